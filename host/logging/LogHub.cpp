@@ -1,0 +1,92 @@
+#include "LogHub.h"
+
+#include "JsonLine.h"
+
+#include <windows.h>
+
+#include <mutex>
+#include <string>
+
+namespace Xelto::Logging {
+
+namespace {
+
+struct Hub {
+    std::mutex lock;
+    std::string provider;
+    SinkFunction sink = nullptr;
+    void* sinkUser = nullptr;
+};
+
+Hub& TheHub()
+{
+    static Hub hub;
+    return hub;
+}
+
+// The file is named afresh for every record, so a host may switch it while running, and
+// opened in append mode, so several processes can share one log.
+void AppendToLogFile(const std::string& line)
+{
+    wchar_t path[MAX_PATH * 2];
+    const DWORD length = GetEnvironmentVariableW(L"XELTO_LOG_FILE", path, MAX_PATH * 2);
+    if (length == 0 || length >= MAX_PATH * 2) {
+        return;
+    }
+    HANDLE file = CreateFileW(path, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                              nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        return;
+    }
+    DWORD written = 0;
+    WriteFile(file, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+    CloseHandle(file);
+}
+
+}  // namespace
+
+void SetProviderName(const char* name)
+{
+    try {
+        Hub& hub = TheHub();
+        std::lock_guard guard(hub.lock);
+        hub.provider = name != nullptr ? name : "";
+    } catch (...) {
+    }
+}
+
+void Publish(Level level, uint64_t context, const std::wstring& text) noexcept
+{
+    try {
+        Hub& hub = TheHub();
+        std::lock_guard guard(hub.lock);
+        if (hub.sink != nullptr) {
+            hub.sink(hub.sinkUser, level, hub.provider.c_str(), context, text.c_str());
+        }
+        AppendToLogFile(JsonLine(level, hub.provider, context, text));
+    } catch (...) {
+    }
+}
+
+void SetSink(SinkFunction sink, void* user)
+{
+    try {
+        Hub& hub = TheHub();
+        std::lock_guard guard(hub.lock);
+        hub.sink = sink;
+        hub.sinkUser = user;
+    } catch (...) {
+    }
+}
+
+const char* LevelName(Level level)
+{
+    switch (level) {
+    case Level::Info: return "INFO";
+    case Level::Warning: return "WARNING";
+    case Level::Error: return "ERROR";
+    }
+    return "INFO";
+}
+
+}  // namespace Xelto::Logging

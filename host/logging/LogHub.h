@@ -1,0 +1,15 @@
+// The one place every record passes through: the provider name, the in-process sink and
+// the JSON-lines file sink, under one lock so records keep their order.
+#pragma once
+
+#include "xelto/LogSink.h"
+
+#include <string>
+
+namespace Xelto::Logging {
+
+void SetProviderName(const char* name);
+// Delivers one rendered record; never throws.
+void Publish(Level level, uint64_t context, const std::wstring& text) noexcept;
+
+}  // namespace Xelto::Logging

@@ -1,0 +1,56 @@
+#include "Render.h"
+
+#include <windows.h>
+
+#include <cstdio>
+#include <cwchar>
+
+namespace Xelto::Logging {
+
+namespace {
+
+// Records longer than this are cut; a log line of a megabyte is a bug elsewhere.
+constexpr size_t kMaxRecordChars = 1 << 20;
+
+}  // namespace
+
+std::wstring RenderWide(const wchar_t* format, va_list args)
+{
+    if (format == nullptr) {
+        return {};
+    }
+    // _vsnwprintf is the C runtime's own formatter: it keeps %s wide and %S narrow in a
+    // wide format, which the ISO vswprintf of MinGW's C++ mode does not.
+    std::wstring text(256, L'\0');
+    for (;;) {
+        va_list attempt;
+        va_copy(attempt, args);
+        const int written = _vsnwprintf(text.data(), text.size(), format, attempt);
+        va_end(attempt);
+        if (written >= 0 && static_cast<size_t>(written) < text.size()) {
+            text.resize(static_cast<size_t>(written));
+            return text;
+        }
+        if (text.size() >= kMaxRecordChars) {
+            text.resize(kMaxRecordChars);
+            return text;
+        }
+        text.resize(text.size() * 2);
+    }
+}
+
+std::wstring RenderNarrow(const char* format, va_list args)
+{
+    if (format == nullptr) {
+        return {};
+    }
+    const int length = MultiByteToWideChar(CP_ACP, 0, format, -1, nullptr, 0);
+    if (length <= 0) {
+        return {};
+    }
+    std::wstring wide(static_cast<size_t>(length), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, format, -1, wide.data(), length);
+    return RenderWide(wide.c_str(), args);
+}
+
+}  // namespace Xelto::Logging

@@ -1,0 +1,22 @@
+#!/bin/sh
+# Installs the Debian packages the build and the tests need, when any is missing.
+# Safe to run again: it does nothing when everything is there.
+set -e
+packages="g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 cmake ninja-build rapidjson-dev googletest"
+missing=""
+for package in $packages; do
+  if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then
+    missing="$missing $package"
+  fi
+done
+[ -z "$missing" ] && exit 0
+
+line="apt-get update && DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends$missing"
+if [ "$(id -u)" -ne 0 ]; then
+  echo "setup: missing Debian packages:$missing" >&2
+  echo "setup: run as root: $line" >&2
+  exit 1
+fi
+echo "setup: installing$missing"
+apt-get update -qq
+DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing >/dev/null

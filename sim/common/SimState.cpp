@@ -1,0 +1,200 @@
+#include "SimState.h"
+
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <windows.h>
+
+#include <cctype>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+namespace LumavenSim {
+
+namespace {
+
+class StateLock {
+public:
+    StateLock() : m_mutex(CreateMutexW(nullptr, FALSE, L"LumavenSimStateLock"))
+    {
+        if (m_mutex != nullptr) {
+            WaitForSingleObject(m_mutex, INFINITE);
+        }
+    }
+    ~StateLock()
+    {
+        if (m_mutex != nullptr) {
+            ReleaseMutex(m_mutex);
+            CloseHandle(m_mutex);
+        }
+    }
+    StateLock(const StateLock&) = delete;
+    StateLock& operator=(const StateLock&) = delete;
+
+private:
+    HANDLE m_mutex;
+};
+
+std::string ReadWholeFile(const std::wstring& path)
+{
+    std::ifstream in(path.c_str(), std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void WriteWholeFile(const std::wstring& path, const std::string& text)
+{
+    CreateDirectoryW(StateDirectory().c_str(), nullptr);
+    std::ofstream out(path.c_str(), std::ios::binary | std::ios::trunc);
+    out << text;
+}
+
+std::string Compact(const rapidjson::Value& value)
+{
+    rapidjson::StringBuffer buffer;
+    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+    value.Accept(writer);
+    return buffer.GetString();
+}
+
+rapidjson::Value& CallCounters(rapidjson::Document& state)
+{
+    if (!state.HasMember("calls") || !state["calls"].IsObject()) {
+        state.RemoveMember("calls");
+        state.AddMember("calls", rapidjson::Value(rapidjson::kObjectType), state.GetAllocator());
+    }
+    return state["calls"];
+}
+
+}  // namespace
+
+std::wstring StateDirectory()
+{
+    wchar_t windows[MAX_PATH];
+    const UINT length = GetWindowsDirectoryW(windows, MAX_PATH);
+    return std::wstring(windows, length) + L"\\LumavenSim";
+}
+
+std::wstring StateFile() { return StateDirectory() + L"\\state.json"; }
+std::wstring TransactionFile() { return StateDirectory() + L"\\transactions.jsonl"; }
+
+void WithState(const std::function<bool(rapidjson::Document& state)>& use)
+{
+    StateLock lock;
+    rapidjson::Document state;
+    state.Parse(ReadWholeFile(StateFile()).c_str());
+    if (state.HasParseError() || !state.IsObject()) {
+        state.SetObject();
+    }
+    if (use(state)) {
+        WriteWholeFile(StateFile(), Compact(state));
+    }
+}
+
+void ResetState(const rapidjson::Document& state)
+{
+    StateLock lock;
+    WriteWholeFile(StateFile(), Compact(state));
+    WriteWholeFile(TransactionFile(), "");
+}
+
+std::optional<int64_t> TakeFault(rapidjson::Document& state, const char* function)
+{
+    rapidjson::Value& counters = CallCounters(state);
+    int64_t count = 1;
+    if (counters.HasMember(function) && counters[function].IsInt64()) {
+        count = counters[function].GetInt64() + 1;
+        counters[function].SetInt64(count);
+    } else {
+        counters.RemoveMember(function);
+        counters.AddMember(rapidjson::Value(function, state.GetAllocator()), rapidjson::Value(count),
+                           state.GetAllocator());
+    }
+    if (!state.HasMember("faults") || !state["faults"].IsArray()) {
+        return std::nullopt;
+    }
+    for (const auto& fault : state["faults"].GetArray()) {
+        if (!fault.IsObject() || !fault.HasMember("function") || !fault["function"].IsString() ||
+            std::string(fault["function"].GetString()) != function || !fault.HasMember("code") ||
+            !fault["code"].IsInt64()) {
+            continue;
+        }
+        const int64_t nth = fault.HasMember("nth") && fault["nth"].IsInt64() ? fault["nth"].GetInt64() : 0;
+        if (nth == 0 || nth == count) {
+            return fault["code"].GetInt64();
+        }
+    }
+    return std::nullopt;
+}
+
+int64_t CallCount(const rapidjson::Document& state, const char* function)
+{
+    if (!state.HasMember("calls") || !state["calls"].IsObject()) {
+        return 0;
+    }
+    const auto& counters = state["calls"];
+    return counters.HasMember(function) && counters[function].IsInt64() ? counters[function].GetInt64() : 0;
+}
+
+void AppendTransaction(const rapidjson::Value& record)
+{
+    StateLock lock;
+    CreateDirectoryW(StateDirectory().c_str(), nullptr);
+    std::ofstream out(TransactionFile().c_str(), std::ios::binary | std::ios::app);
+    out << Compact(record) << '\n';
+}
+
+std::vector<std::string> ReadTransactions()
+{
+    StateLock lock;
+    std::vector<std::string> records;
+    std::istringstream lines(ReadWholeFile(TransactionFile()));
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.empty()) {
+            records.push_back(line);
+        }
+    }
+    return records;
+}
+
+void ClearTransactions()
+{
+    StateLock lock;
+    WriteWholeFile(TransactionFile(), "");
+}
+
+bool RunningUnderWine()
+{
+    const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+    return ntdll != nullptr && GetProcAddress(ntdll, "wine_get_version") != nullptr;
+}
+
+std::vector<uint8_t> HexToBytes(const std::string& hex)
+{
+    std::vector<uint8_t> bytes;
+    std::string digits;
+    for (const char c : hex) {
+        if (std::isxdigit(static_cast<unsigned char>(c))) {
+            digits += c;
+        }
+    }
+    for (size_t i = 0; i + 1 < digits.size(); i += 2) {
+        bytes.push_back(static_cast<uint8_t>(std::stoul(digits.substr(i, 2), nullptr, 16)));
+    }
+    return bytes;
+}
+
+std::string BytesToHex(const uint8_t* bytes, size_t count)
+{
+    std::string hex;
+    char pair[4];
+    for (size_t i = 0; i < count; ++i) {
+        std::snprintf(pair, sizeof pair, "%02X", bytes[i]);
+        hex += pair;
+    }
+    return hex;
+}
+
+}  // namespace LumavenSim

@@ -1,0 +1,50 @@
+// The simulated laptop's shared state: the installed machine profile with the fake drivers'
+// mutable state (registers, feature states, call counters), and the transaction log of the
+// vendor calls that matter. Both live in files under the prefix's Windows folder, so they
+// survive the service loading and unloading a fake library on every command, and another
+// process (the host, `lumaven-sim show`, a test) can read them. A named mutex serialises
+// access across processes.
+#pragma once
+
+#include <rapidjson/document.h>
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace LumavenSim {
+
+// %WINDIR%\LumavenSim
+std::wstring StateDirectory();
+std::wstring StateFile();
+std::wstring TransactionFile();
+
+// Runs `use` on the state under the cross-process lock. When `use` returns true the state is
+// written back. A missing or unreadable state reads as an empty object.
+void WithState(const std::function<bool(rapidjson::Document& state)>& use);
+// Replaces the whole state and clears the transaction log (used by the installer).
+void ResetState(const rapidjson::Document& state);
+
+// Counts one call of `function` and answers the fault the profile injects into this call, if
+// any. Profile faults: [{"function": name, "code": N, "nth": K}]; without "nth" (or with 0)
+// every call fails, else only the K-th call (1-based) since the profile was installed.
+std::optional<int64_t> TakeFault(rapidjson::Document& state, const char* function);
+// How many times `function` has been called since the profile was installed.
+int64_t CallCount(const rapidjson::Document& state, const char* function);
+
+// Appends one record (a JSON object written compactly) to the transaction log.
+void AppendTransaction(const rapidjson::Value& record);
+// Every record of the log, in order, as compact JSON texts.
+std::vector<std::string> ReadTransactions();
+void ClearTransactions();
+
+// Whether this process runs under Wine (ntdll exports wine_get_version).
+bool RunningUnderWine();
+
+// Helpers for byte strings kept as hex in the profile and the log.
+std::vector<uint8_t> HexToBytes(const std::string& hex);
+std::string BytesToHex(const uint8_t* bytes, size_t count);
+
+}  // namespace LumavenSim

@@ -1,0 +1,33 @@
+#include "panel/AuxDataTable.h"
+
+namespace Xelto::Spanlet::Server::Services::Lumaven {
+
+AuxDataMap BuildAuxDataMap()
+{
+    AuxDataMap map;
+    // Panel 0x4160834C sends all four writes in both states; only the third byte at 0x4056
+    // differs. The three-byte writes are single transactions.
+    map[{0x4160834C, true}] = {{0x404B, {0x7C, 0x84, 0xCC}}, {0x4056, {0x17, 0x56, 0xFE}},
+                               {0x404E, {0x0C, 0x00, 0x03}}, {0x4054, {0x02}}};
+    map[{0x4160834C, false}] = {{0x404B, {0x7C, 0x84, 0xCC}}, {0x4056, {0x17, 0x56, 0xF0}},
+                                {0x404E, {0x0C, 0x00, 0x03}}, {0x4054, {0x02}}};
+    map[{0x4174834C, true}] = {{0x4027, {0xC0}}};
+    map[{0x4174834C, false}] = {{0x4027, {0x00}}};
+    map[{0x4166834C, true}] = {{0x401D, {0xC0}}};
+    map[{0x4166834C, false}] = {{0x401D, {0x00}}};
+    map[{0x4170834C, true}] = {{0x401D, {0xC0}}};
+    map[{0x4170834C, false}] = {{0x401D, {0x00}}};
+    // Panel 0x416C834C lives in the 0x0453..0x045C range and wants its bytes in exactly
+    // this non-ascending order; the states differ only at 0x045A.
+    map[{0x416C834C, true}] = {{0x045C, {0x06}}, {0x0454, {0x18}}, {0x0453, {0x41}},
+                               {0x045A, {0xC0}}, {0x045B, {0x40}}};
+    map[{0x416C834C, false}] = {{0x045C, {0x06}}, {0x0454, {0x18}}, {0x0453, {0x41}},
+                                {0x045A, {0x00}}, {0x045B, {0x40}}};
+    for (const PanelId panel : {0x417C834Cu, 0x4197834Cu, 0x417D834Cu, 0x41A6834Cu, 0x41AC834Cu, 0x41AA834Cu}) {
+        map[{panel, true}] = {{0x402E, {0xC0}}};
+        map[{panel, false}] = {{0x402E, {0x00}}};
+    }
+    return map;
+}
+
+}  // namespace Xelto::Spanlet::Server::Services::Lumaven

@@ -1,0 +1,80 @@
+#include "service/Json.h"
+
+#include <rapidjson/memorystream.h>
+#include <rapidjson/writer.h>
+
+#include <cwchar>
+
+namespace Xelto::Spanlet::Server::Services::Lumaven {
+
+namespace {
+
+// Member names are short constants; the bound only keeps a bad pointer from running away.
+constexpr size_t kMaxMemberNameChars = 1024;
+
+const JsonValue& NullValue()
+{
+    static const JsonValue null;
+    return null;
+}
+
+}  // namespace
+
+bool ParseRequest(Document& document, const wchar_t* text)
+{
+    // The iterative parser accepts exactly the texts of the default recursive one, but keeps
+    // a deeply nested request off the machine stack.
+    document.Parse<rapidjson::kParseIterativeFlag>(text);
+    return !document.HasParseError();
+}
+
+void WriteCompact(const Document& document, JsonText& out)
+{
+    rapidjson::Writer<JsonText, JsonEncoding, JsonEncoding> writer(out);
+    document.Accept(writer);
+}
+
+bool HasMember(const JsonValue& value, const wchar_t* name)
+{
+    if (!value.IsObject() || name == nullptr) {
+        return false;
+    }
+    const auto length = static_cast<rapidjson::SizeType>(wcsnlen(name, kMaxMemberNameChars));
+    return value.FindMember(rapidjson::GenericStringRef<wchar_t>(name, length)) != value.MemberEnd();
+}
+
+const JsonValue& MemberOrNull(const JsonValue& value, const wchar_t* name)
+{
+    if (!HasMember(value, name)) {
+        return NullValue();
+    }
+    const auto length = static_cast<rapidjson::SizeType>(wcsnlen(name, kMaxMemberNameChars));
+    return value.FindMember(rapidjson::GenericStringRef<wchar_t>(name, length))->value;
+}
+
+BValue ReadBValue(const Document& request)
+{
+    const JsonValue& value = MemberOrNull(request, L"BValue");
+    if (value.IsNull()) {
+        return BValue::Missing;
+    }
+    return value.IsTrue() ? BValue::On : BValue::Off;
+}
+
+void AddBool(Document& response, const wchar_t* name, bool value)
+{
+    response.AddMember(rapidjson::StringRef(name), JsonValue(value), response.GetAllocator());
+}
+
+void AddInt(Document& response, const wchar_t* name, int value)
+{
+    response.AddMember(rapidjson::StringRef(name), JsonValue(value), response.GetAllocator());
+}
+
+void ResetToBValue(Document& request, bool value)
+{
+    request.SetObject();
+    AddBool(request, L"BValue", value);
+}
+
+}  // namespace Xelto::Spanlet::Server::Services::Lumaven

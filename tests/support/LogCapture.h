@@ -1,0 +1,40 @@
+// Collects the records of the host logging library through its in-process sink.
+#pragma once
+
+#include "xelto/LogSink.h"
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace LumavenTest {
+
+struct LogRecord {
+    Xelto::Logging::Level level;
+    std::string provider;
+    uint64_t context;
+    std::wstring text;
+};
+
+class LogCapture {
+public:
+    LogCapture();
+    ~LogCapture();
+    LogCapture(const LogCapture&) = delete;
+    LogCapture& operator=(const LogCapture&) = delete;
+
+    std::vector<LogRecord> Records() const;
+    std::vector<std::wstring> Texts() const;
+    // How many records carry exactly this text.
+    size_t Count(const std::wstring& text) const;
+    void Clear();
+
+private:
+    static void Receive(void* user, Xelto::Logging::Level level, const char* provider, uint64_t context,
+                        const wchar_t* text);
+    mutable std::mutex m_lock;
+    std::vector<LogRecord> m_records;
+};
+
+}  // namespace LumavenTest

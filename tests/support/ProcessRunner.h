@@ -1,0 +1,17 @@
+// Runs another program of the build (the reference host, the installer) and collects what
+// it printed.
+#pragma once
+
+#include <string>
+
+namespace LumavenTest {
+
+struct ProcessResult {
+    unsigned long exitCode = 0;
+    std::string output;  // stdout and stderr together
+};
+
+// `commandLine` is the full command line; the program is looked up in the test's directory.
+ProcessResult RunProgram(const std::wstring& commandLine);
+
+}  // namespace LumavenTest

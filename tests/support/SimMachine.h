@@ -1,0 +1,25 @@
+// Puts the simulated laptop a test needs into the Wine prefix.
+#pragma once
+
+#include <rapidjson/document.h>
+
+#include <string>
+#include <vector>
+
+namespace LumavenTest {
+
+// Installs a profile given as JSON text; fails the current test when the installer refuses.
+void InstallProfile(const std::string& profileJson);
+// Installs one of the shipped profiles (bin\profiles\NAME.json).
+void InstallShippedProfile(const std::string& name);
+// A profile with just these monitors (each "panel" hex of EDID bytes 8..11, or a full
+// monitor object as JSON text when it starts with '{').
+std::string MonitorsProfile(const std::vector<std::string>& monitors);
+
+// The directory of the running test executable (bin).
+std::wstring ExecutableDirectory();
+
+// The fake drivers' transaction log as parsed JSON records.
+std::vector<rapidjson::Document> Transactions();
+
+}  // namespace LumavenTest

@@ -1,0 +1,154 @@
+// The host logging library: rendering conventions, the in-process sink, the JSON-lines file
+// sink and concurrent use.
+#include "LogCapture.h"
+
+#include "xelto/Logging.h"
+#include "xelto/LogSink.h"
+
+#include <gtest/gtest.h>
+#include <rapidjson/document.h>
+
+#include <windows.h>
+
+#include <fstream>
+#include <sstream>
+#include <thread>
+#include <vector>
+
+using LumavenTest::LogCapture;
+using Xelto::Logging::Level;
+
+namespace {
+
+TraceLogger& Logger()
+{
+    return *LogManager::GetLogger();
+}
+
+std::wstring Only(const LogCapture& capture)
+{
+    const auto texts = capture.Texts();
+    EXPECT_EQ(texts.size(), 1u);
+    return texts.empty() ? L"" : texts.back();
+}
+
+}  // namespace
+
+TEST(Logging, WideFormatPrintsPercentSLowerAsWideAndUpperAsNarrow)
+{
+    LogCapture capture;
+    Logger().LogInfo(L"%s|%S|%d|%u|%x|%X|%lld", L"wide", "narrow", -5, 7u, 0xabu, 0xabu, -1234567890123ll);
+    EXPECT_EQ(Only(capture), L"wide|narrow|-5|7|ab|AB|-1234567890123");
+}
+
+TEST(Logging, NarrowFormatIsWidenedAndKeepsTheWideConventions)
+{
+    LogCapture capture;
+    Logger().LogError("LumavenService - GetOpst threw: %S", "Xelto::Name", "ignored message");
+    Logger().LogError("%s and %S\n", L"wide arg", "narrow arg");
+    const auto texts = capture.Texts();
+    ASSERT_EQ(texts.size(), 2u);
+    EXPECT_EQ(texts[0], L"LumavenService - GetOpst threw: Xelto::Name");
+    EXPECT_EQ(texts[1], L"wide arg and narrow arg\n");
+    EXPECT_EQ(capture.Records()[0].level, Level::Error);
+}
+
+TEST(Logging, LoggingDataCarriesTheContextWordAndLevel)
+{
+    LogCapture capture;
+    Logger().LogWarning(LoggingData{L"%S.%S - %S cannot be null", 0x1234, 0}, "class A", "B", "message");
+    Logger().LogError(LoggingData{L"%S.%S - Unsupported Function call %d", 77, 0}, "class A", "ExecuteCommand", 15);
+    const auto records = capture.Records();
+    ASSERT_EQ(records.size(), 2u);
+    EXPECT_EQ(records[0].level, Level::Warning);
+    EXPECT_EQ(records[0].context, 0x1234u);
+    EXPECT_EQ(records[0].text, L"class A.B - message cannot be null");
+    EXPECT_EQ(records[1].level, Level::Error);
+    EXPECT_EQ(records[1].context, 77u);
+    EXPECT_EQ(records[1].text, L"class A.ExecuteCommand - Unsupported Function call 15");
+}
+
+TEST(Logging, RecordsTheProviderNameInEffect)
+{
+    LogCapture capture;
+    LogManager::SetProvider("Provider-One");
+    Logger().LogInfo(L"first");
+    LogManager::SetProvider("Xelto-Spanlet-SystemInformation");
+    Logger().LogInfo(L"second");
+    const auto records = capture.Records();
+    ASSERT_EQ(records.size(), 2u);
+    EXPECT_EQ(records[0].provider, "Provider-One");
+    EXPECT_EQ(records[1].provider, "Xelto-Spanlet-SystemInformation");
+}
+
+TEST(Logging, LongRecordsAreRenderedWhole)
+{
+    LogCapture capture;
+    const std::wstring big(5000, L'x');
+    Logger().LogInfo(L"<%s>", big.c_str());
+    EXPECT_EQ(Only(capture), L"<" + big + L">");
+}
+
+TEST(Logging, NullFormatsAreIgnoredWithoutCrashing)
+{
+    LogCapture capture;
+    Logger().LogInfo(nullptr);
+    Logger().LogError(static_cast<const char*>(nullptr));
+    Logger().LogWarning(LoggingData{nullptr, 0, 0});
+    for (const auto& text : capture.Texts()) {
+        EXPECT_TRUE(text.empty());
+    }
+}
+
+TEST(Logging, FileSinkWritesOneJsonObjectPerLine)
+{
+    wchar_t directory[MAX_PATH];
+    GetTempPathW(MAX_PATH, directory);
+    const std::wstring path = std::wstring(directory) + L"xelto-log-test.jsonl";
+    DeleteFileW(path.c_str());
+    SetEnvironmentVariableW(L"XELTO_LOG_FILE", path.c_str());
+    LogManager::SetProvider("Xelto-Spanlet-SystemInformation");
+    Logger().LogInfo(L"Opening startup_task in LumavenService\n");
+    Logger().LogWarning(LoggingData{L"quote \" back \\ tab \t ctl \x01 %S", 42, 0}, "end");
+    Logger().LogError(L"caf\u00e9 \U0001F600");
+    SetEnvironmentVariableW(L"XELTO_LOG_FILE", nullptr);
+    Logger().LogInfo(L"not in the file");
+
+    std::ifstream in(path.c_str(), std::ios::binary);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);) {
+        lines.push_back(line);
+    }
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0],
+              R"({"level":"INFO","provider":"Xelto-Spanlet-SystemInformation","context":0,"text":"Opening startup_task in LumavenService\n"})");
+    EXPECT_EQ(lines[1],
+              R"({"level":"WARNING","provider":"Xelto-Spanlet-SystemInformation","context":42,"text":"quote \" back \\ tab \t ctl \u0001 end"})");
+    rapidjson::Document third;
+    third.Parse(lines[2].c_str());
+    ASSERT_FALSE(third.HasParseError());
+    EXPECT_STREQ(third["level"].GetString(), "ERROR");
+    EXPECT_STREQ(third["text"].GetString(), "caf\xC3\xA9 \xF0\x9F\x98\x80");
+    DeleteFileW(path.c_str());
+}
+
+TEST(Logging, ManyThreadsLoseNoRecord)
+{
+    LogCapture capture;
+    constexpr int kThreads = 8;
+    constexpr int kRecords = 500;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([t] {
+            for (int i = 0; i < kRecords; ++i) {
+                Logger().LogInfo(L"thread %d record %d", t, i);
+            }
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    const auto texts = capture.Texts();
+    ASSERT_EQ(texts.size(), static_cast<size_t>(kThreads * kRecords));
+    EXPECT_EQ(capture.Count(L"thread 3 record 499"), 1u);
+}

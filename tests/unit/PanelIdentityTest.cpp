@@ -1,0 +1,126 @@
+// Panel identification from the monitors' EDIDs, read through Wine's real SetupAPI and
+// registry from monitors the simulated laptop installs.
+#include "SimMachine.h"
+
+#include "Installer.h"
+#include "panel/PanelIdentity.h"
+
+#include <gtest/gtest.h>
+
+using namespace Xelto::Spanlet::Server::Services::Lumaven;
+using LumavenTest::InstallProfile;
+using LumavenTest::MonitorsProfile;
+
+namespace {
+
+EdidBlock Block(uint8_t b8, uint8_t b9, uint8_t b10, uint8_t b11)
+{
+    EdidBlock block{};
+    block[8] = b8;
+    block[9] = b9;
+    block[10] = b10;
+    block[11] = b11;
+    return block;
+}
+
+std::string Hex(const std::vector<uint8_t>& bytes)
+{
+    static const char digits[] = "0123456789ABCDEF";
+    std::string hex;
+    for (const uint8_t byte : bytes) {
+        hex += digits[byte >> 4];
+        hex += digits[byte & 15];
+    }
+    return hex;
+}
+
+}  // namespace
+
+TEST(PanelIdentity, TableHoldsTheElevenPanelsWithTheirIndices)
+{
+    const std::map<PanelIndex, PanelId> expected = {
+        {0, 0x4160834C}, {1, 0x417D834C}, {2, 0x417C834C}, {3, 0x4174834C}, {4, 0x4166834C}, {5, 0x416C834C},
+        {6, 0x4170834C}, {7, 0x4197834C}, {8, 0x41A6834C}, {9, 0x41AC834C}, {10, 0x41AA834C}};
+    EXPECT_EQ(kPanelIdByIndex, expected);
+    EXPECT_EQ(kPanelIdByIndex.count(kUnsupportedPanel), 0u);
+}
+
+TEST(PanelIdentity, EveryTablePanelIsRecognisedFromItsEdidBytes)
+{
+    for (const auto& [index, id] : kPanelIdByIndex) {
+        const EdidBlock block = Block(id & 0xFF, (id >> 8) & 0xFF, (id >> 16) & 0xFF, id >> 24);
+        EXPECT_EQ(FindSupportedPanel({block}), index) << std::hex << id;
+    }
+}
+
+TEST(PanelIdentity, OtherManufacturerOrProductIsNotSupported)
+{
+    EXPECT_EQ(FindSupportedPanel({}), kUnsupportedPanel);
+    EXPECT_EQ(FindSupportedPanel({Block(0x4C, 0x83, 0x99, 0x41)}), kUnsupportedPanel);
+    EXPECT_EQ(FindSupportedPanel({Block(0x4D, 0x83, 0x74, 0x41)}), kUnsupportedPanel);
+    EXPECT_EQ(FindSupportedPanel({Block(0x4C, 0x84, 0x74, 0x41)}), kUnsupportedPanel);
+    EXPECT_EQ(FindSupportedPanel({Block(0x4C, 0x83, 0x74, 0x42)}), kUnsupportedPanel);
+}
+
+TEST(PanelIdentity, NoMonitorGivesIndex11AndIdentity0)
+{
+    InstallProfile(MonitorsProfile({}));
+    // Wine's own Default_Monitor is present but has no EDID.
+    EXPECT_TRUE(ReadMonitorEdids().empty());
+    EXPECT_EQ(GetPanelIndex(), kUnsupportedPanel);
+    EXPECT_EQ(GetPanelId(), 0u);
+}
+
+TEST(PanelIdentity, Panel4174IsIndex3)
+{
+    InstallProfile(MonitorsProfile({"4C837441"}));
+    EXPECT_EQ(GetPanelIndex(), 3);
+    EXPECT_EQ(GetPanelId(), 0x4174834Cu);
+}
+
+TEST(PanelIdentity, EdidIsReadWholeAsWidenedBytes)
+{
+    const std::vector<uint8_t> edid = LumavenSim::MakeEdid({0x4C, 0x83, 0x60, 0x41});
+    InstallProfile(MonitorsProfile({"{\"edid\":\"" + Hex(edid) + "\"}"}));
+    const auto edids = ReadMonitorEdids();
+    ASSERT_EQ(edids.size(), 1u);
+    for (size_t i = 0; i < 128; ++i) {
+        EXPECT_EQ(edids[0][i], edid[i]) << "byte " << i;
+    }
+}
+
+TEST(PanelIdentity, FirstMonitorWithUnknownProductIsPassedOver)
+{
+    InstallProfile(MonitorsProfile({"4C839941", "4C83AA41"}));
+    EXPECT_EQ(ReadMonitorEdids().size(), 2u);
+    EXPECT_EQ(GetPanelIndex(), 10);
+    EXPECT_EQ(GetPanelId(), 0x41AA834Cu);
+}
+
+TEST(PanelIdentity, FirstSupportedMonitorInEnumerationOrderWins)
+{
+    InstallProfile(MonitorsProfile({"4C837D41", "4C836041"}));
+    EXPECT_EQ(GetPanelIndex(), 1);
+}
+
+TEST(PanelIdentity, EdidOver256BytesGrowsTheBufferAndKeeps128)
+{
+    InstallProfile(MonitorsProfile({R"({"panel":"4C836C41","edidLength":384})"}));
+    const auto edids = ReadMonitorEdids();
+    ASSERT_EQ(edids.size(), 1u);
+    EXPECT_EQ(edids[0][10], 0x6Cu);
+    EXPECT_EQ(edids[0][126], 2u);  // two extension blocks follow in the value
+    EXPECT_EQ(GetPanelIndex(), 5);
+}
+
+TEST(PanelIdentity, EdidShorterThan128BytesStillGives128Values)
+{
+    InstallProfile(MonitorsProfile({R"({"panel":"4C837041","edidLength":20})"}));
+    const auto edids = ReadMonitorEdids();
+    ASSERT_EQ(edids.size(), 1u);
+    EXPECT_EQ(edids[0][8], 0x4Cu);
+    for (size_t i = 20; i < 128; ++i) {
+        EXPECT_EQ(edids[0][i], 0u) << "byte " << i << " past the value's end";
+    }
+    EXPECT_EQ(GetPanelIndex(), 6);
+}

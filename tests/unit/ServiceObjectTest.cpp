@@ -1,0 +1,114 @@
+// The service object: factory gate, strings handed to the host, buffers, event entry.
+#include "LogCapture.h"
+#include "SimMachine.h"
+
+#include "service/LumavenService.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace Xelto::Spanlet::Server::Services;
+using namespace Xelto::Spanlet::Server::Services::Lumaven;
+using LumavenTest::InstallProfile;
+using LumavenTest::LogCapture;
+using LumavenTest::MonitorsProfile;
+
+TEST(ServiceObject, TypeNameReadsAsTheWindowsCompilerPrintsIt)
+{
+    LumavenService service;
+    EXPECT_STREQ(service.m_typeName, "class Xelto::Spanlet::Server::Services::Lumaven::LumavenService");
+    EXPECT_EQ(service.m_logger, LogManager::GetLogger());
+    EXPECT_EQ(service.m_videoController, 0);
+    EXPECT_EQ(service.m_panelId, 0u);
+    EXPECT_EQ(service.m_auxData, nullptr);
+    EXPECT_EQ(service.m_setElp, nullptr);
+}
+
+TEST(ServiceObject, FactoryCreatesTheServiceOnASupportedPanel)
+{
+    InstallProfile(MonitorsProfile({"4C837441"}));
+    LogCapture capture;
+    XeltoService* service = XeltoCreateService();
+    ASSERT_NE(service, nullptr);
+    EXPECT_NE(dynamic_cast<LumavenService*>(service), nullptr);
+    EXPECT_TRUE(capture.Texts().empty());
+    delete service;
+}
+
+TEST(ServiceObject, FactoryRefusesAnUnsupportedPlatformWithOneLine)
+{
+    InstallProfile(MonitorsProfile({"10ACF540"}));
+    LogCapture capture;
+    EXPECT_EQ(XeltoCreateService(), nullptr);
+    const auto records = capture.Records();
+    ASSERT_EQ(records.size(), 1u);
+    EXPECT_EQ(records[0].level, Xelto::Logging::Level::Info);
+    EXPECT_EQ(records[0].text, L"LumavenService cannot be initialized as it is running on unsupported platform");
+    EXPECT_EQ(records[0].provider, "Xelto-Spanlet-SystemInformation");
+}
+
+TEST(ServiceObject, CreateStringWithNullHolderDoesNothing)
+{
+    LumavenService service;
+    EXPECT_EQ(service.CreateString(L"text", nullptr), 0u);
+}
+
+TEST(ServiceObject, CreateStringCopiesTheTextIntoANewHolder)
+{
+    LumavenService service;
+    wchar_t** holder = nullptr;
+    const std::wstring text(64, L'a');
+    ASSERT_EQ(service.CreateString(text.c_str(), &holder), 0u);
+    ASSERT_NE(holder, nullptr);
+    ASSERT_NE(*holder, nullptr);
+    EXPECT_EQ(std::wstring(*holder), text);
+    EXPECT_NE(*holder, text.c_str());
+    EXPECT_EQ(service.ReleaseString(&holder), 0u);
+    EXPECT_NE(holder, nullptr);  // ReleaseString does not clear the caller's pointer
+}
+
+TEST(ServiceObject, CreateStringWithNullTextMakesAnEmptyString)
+{
+    LumavenService service;
+    wchar_t** holder = nullptr;
+    ASSERT_EQ(service.CreateString(nullptr, &holder), 0u);
+    ASSERT_NE(holder, nullptr);
+    EXPECT_EQ(std::wstring(*holder), L"");
+    EXPECT_EQ(service.ReleaseString(&holder), 0u);
+}
+
+TEST(ServiceObject, ReleaseStringAcceptsNullsAndAHolderWithoutString)
+{
+    LumavenService service;
+    EXPECT_EQ(service.ReleaseString(nullptr), 0u);
+    wchar_t** none = nullptr;
+    EXPECT_EQ(service.ReleaseString(&none), 0u);
+    auto** holder = new wchar_t*(nullptr);
+    EXPECT_EQ(service.ReleaseString(&holder), 0u);  // frees only the holder
+}
+
+TEST(ServiceObject, BaseOperationsKeepTheirContract)
+{
+    std::unique_ptr<XeltoService> service = std::make_unique<LumavenService>();
+    EXPECT_TRUE(service->ReservedQuery());
+    service->ReservedHookA();
+    service->ReservedHookB();
+    service->ReservedHookC();
+    service->FreeBuffer(nullptr);
+    service->FreeBuffer(std::malloc(16));
+}
+
+TEST(ServiceObject, PowerEventTaskLogsItsEntryLine)
+{
+    LumavenService service;
+    LogCapture capture;
+    POWERBROADCAST_SETTING setting{};
+    setting.PowerSetting = GUID_CONSOLE_DISPLAY_STATE;
+    setting.DataLength = 4;
+    service.oled_power_event_task(nullptr, &setting);
+    const auto texts = capture.Texts();
+    ASSERT_FALSE(texts.empty());
+    EXPECT_EQ(texts[0],
+              L"Xelto::Spanlet::Server::Services::Lumaven::LumavenService::oled_power_event_task::PEXelto::Enter");
+}

@@ -26,13 +26,14 @@ Hub& TheHub()
 
 // The file is named afresh for every record, so a host may switch it while running, and
 // opened in append mode, so several processes can share one log.
-void AppendToLogFile(const std::string& line)
+void AppendToLogFile(Level level, const std::string& provider, uint64_t context, const std::wstring& text)
 {
     wchar_t path[MAX_PATH * 2];
     const DWORD length = GetEnvironmentVariableW(L"XELTO_LOG_FILE", path, MAX_PATH * 2);
     if (length == 0 || length >= MAX_PATH * 2) {
         return;
     }
+    const std::string line = JsonLine(level, provider, context, text);
     HANDLE file = CreateFileW(path, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                               nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
@@ -63,7 +64,7 @@ void Publish(Level level, uint64_t context, const std::wstring& text) noexcept
         if (hub.sink != nullptr) {
             hub.sink(hub.sinkUser, level, hub.provider.c_str(), context, text.c_str());
         }
-        AppendToLogFile(JsonLine(level, hub.provider, context, text));
+        AppendToLogFile(level, hub.provider, context, text);
     } catch (...) {
     }
 }

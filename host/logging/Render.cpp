@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cwchar>
+#include <iterator>
 
 namespace Xelto::Logging {
 
@@ -20,8 +21,17 @@ std::wstring RenderWide(const wchar_t* format, va_list args)
         return {};
     }
     // _vsnwprintf is the C runtime's own formatter: it keeps %s wide and %S narrow in a
-    // wide format, which the ISO vswprintf of MinGW's C++ mode does not.
-    std::wstring text(256, L'\0');
+    // wide format, which the ISO vswprintf of MinGW's C++ mode does not. Most records fit
+    // the stack buffer; longer ones grow on the heap.
+    wchar_t local[512];
+    va_list first;
+    va_copy(first, args);
+    const int fitted = _vsnwprintf(local, std::size(local), format, first);
+    va_end(first);
+    if (fitted >= 0 && static_cast<size_t>(fitted) < std::size(local)) {
+        return std::wstring(local, static_cast<size_t>(fitted));
+    }
+    std::wstring text(std::size(local) * 4, L'\0');
     for (;;) {
         va_list attempt;
         va_copy(attempt, args);

@@ -1,5 +1,6 @@
 // xelto-host: the reference host. Loads a service DLL, runs its start-up task, sends commands
 // and display-power events, prints statuses, responses and log lines, and destroys it.
+#include "Bench.h"
 #include "CommandNames.h"
 #include "ServiceHost.h"
 
@@ -33,6 +34,7 @@ void PrintUsage()
         "  event EVENT             deliver display-off, display-on, lid-closed or lid-open\n"
         "  script FILE             run FILE: one 'run ...' or 'event ...' per line, # comments\n"
         "  create                  only create the service (and run its start-up task)\n"
+        "  bench [ROUNDS]          time commands against the bare calls they cannot avoid\n"
         "options:\n"
         "  --dll PATH              the service DLL (default: LumavenService.dll beside this program)\n"
         "  --no-startup            do not run startup_task after creating the service\n"
@@ -177,7 +179,8 @@ int wmain(int argc, wchar_t** argv)
         return kExitUsage;
     }
     const std::wstring& verb = words[0];
-    const bool known = verb == L"create" || (verb == L"script" && words.size() == 2) ||
+    const bool known = verb == L"create" || (verb == L"bench" && words.size() <= 2) ||
+                       (verb == L"script" && words.size() == 2) ||
                        ((verb == L"run" || verb == L"event") && words.size() >= 2 && words.size() <= 3);
     if (!known) {
         std::fprintf(stderr, "xelto-host: wrong arguments for '%ls' (see --help)\n", verb.c_str());
@@ -203,6 +206,8 @@ int wmain(int argc, wchar_t** argv)
     int code = kExitOk;
     if (verb == L"script") {
         code = RunScript(host, words[1]);
+    } else if (verb == L"bench") {
+        code = XeltoHost::RunBench(host, words.size() > 1 ? static_cast<unsigned>(std::wcstoul(words[1].c_str(), nullptr, 10)) : 101);
     } else if (verb != L"create") {
         code = RunAction(host, verb, words[1], words.size() > 2 ? words[2] : L"");
     }

@@ -53,10 +53,10 @@ constexpr std::array<CommandEntry, 15> kCommands = {{
     {nullptr, CommandLock::Main},                  // 1 _GetOpst
     {nullptr, CommandLock::Main},                  // 2 EnableOpst
     {nullptr, CommandLock::Main},                  // 3 DisableOpst
-    {nullptr, CommandLock::None},                  // 4 GetIfSystemSupportsOled
+    {&Invoke<&LumavenService::GetIfSystemSupportsOled>, CommandLock::None},  // 4
     {nullptr, CommandLock::Main},                  // 5 EnableEd
     {nullptr, CommandLock::Main},                  // 6 DisableEd
-    {nullptr, CommandLock::None},                  // 7 GetOledFromRegistry
+    {&Invoke<&LumavenService::GetOledFromRegistry>, CommandLock::None},  // 7
     {nullptr, CommandLock::Main},                  // 8 _GetIfSystemSupportsOpst
     {&InvokeElpSetter, CommandLock::None},         // 9 SetIntelElp / SetAmdElp
     {nullptr, CommandLock::Main},                  // 10 _GetIfOLEDSupport

@@ -1,0 +1,173 @@
+// ExecuteCommand: argument checks, parsing, the command table, unsupported numbers, the
+// response text and its cap.
+#include "LogCapture.h"
+#include "ServiceCall.h"
+#include "SimMachine.h"
+
+#include "service/LumavenService.h"
+#include "service/ResponseText.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace Xelto::Spanlet::Server::Services;
+using namespace Xelto::Spanlet::Server::Services::Lumaven;
+using LumavenTest::Call;
+using LumavenTest::LogCapture;
+
+namespace {
+
+wchar_t* const kUntouched = reinterpret_cast<wchar_t*>(0x1234);
+
+std::wstring NullWarning(const wchar_t* name)
+{
+    return std::wstring(L"class Xelto::Spanlet::Server::Services::UtilHelper.NullChecker - ") + name +
+           L" cannot be null";
+}
+
+}  // namespace
+
+TEST(ExecuteCommand, NullContextIsInvalidAndSilent)
+{
+    LumavenService service;
+    LogCapture capture;
+    wchar_t* out = kUntouched;
+    EXPECT_EQ(service.ExecuteCommand(nullptr, 4, L"{}", &out, nullptr, 0), StatusInvalidArgument);
+    EXPECT_EQ(out, kUntouched);
+    EXPECT_TRUE(capture.Texts().empty());
+}
+
+TEST(ExecuteCommand, NullMessageWarnsOnceAndLeavesOutStringAlone)
+{
+    LumavenService service;
+    LogCapture capture;
+    CallContext context{0xC0FFEE};
+    wchar_t* out = kUntouched;
+    EXPECT_EQ(service.ExecuteCommand(&context, 4, nullptr, &out, nullptr, 0), StatusInvalidArgument);
+    EXPECT_EQ(out, kUntouched);
+    const auto records = capture.Records();
+    ASSERT_EQ(records.size(), 1u);
+    EXPECT_EQ(records[0].text, NullWarning(L"message"));
+    EXPECT_EQ(records[0].level, Xelto::Logging::Level::Warning);
+    EXPECT_EQ(records[0].context, 0xC0FFEEu);
+}
+
+TEST(ExecuteCommand, NullOutStringWarnsOnce)
+{
+    LumavenService service;
+    LogCapture capture;
+    CallContext context{7};
+    EXPECT_EQ(service.ExecuteCommand(&context, 4, L"{}", nullptr, nullptr, 0), StatusInvalidArgument);
+    EXPECT_EQ(capture.Texts(), std::vector<std::wstring>{NullWarning(L"outString")});
+}
+
+TEST(ExecuteCommand, BothNullGiveTwoWarningsInOrder)
+{
+    LumavenService service;
+    LogCapture capture;
+    CallContext context{7};
+    EXPECT_EQ(service.ExecuteCommand(&context, 4, nullptr, nullptr, nullptr, 0), StatusInvalidArgument);
+    EXPECT_EQ(capture.Texts(), (std::vector<std::wstring>{NullWarning(L"message"), NullWarning(L"outString")}));
+}
+
+TEST(ExecuteCommand, CommandsOutsideOneToFourteenAreUnsupportedWithAnEmptyResponse)
+{
+    LumavenService service;
+    for (const uint32_t command : {0u, 15u, 0xFFFFFFFFu}) {
+        LogCapture capture;
+        const auto result = Call(service, command, L"{\"BValue\":true}", 99);
+        EXPECT_EQ(result.status, StatusUnsupportedCommand) << command;
+        EXPECT_TRUE(result.hasResponse);
+        EXPECT_EQ(result.response, L"{}");
+        const auto records = capture.Records();
+        ASSERT_EQ(records.size(), 1u);
+        EXPECT_EQ(records[0].level, Xelto::Logging::Level::Error);
+        EXPECT_EQ(records[0].context, 99u);
+        EXPECT_EQ(records[0].text, L"class Xelto::Spanlet::Server::Services::Lumaven::LumavenService.ExecuteCommand - "
+                                   L"Unsupported Function call " +
+                                       std::to_wstring(static_cast<int32_t>(command)));
+    }
+}
+
+TEST(ExecuteCommand, MalformedRequestsGiveInvalidRequestAndNoText)
+{
+    LumavenService service;
+    for (const wchar_t* request : {L"", L"   \t\r\n ", L"{}{}", L"{", L"{\"BValue\":tru}", L"nul", L"{} x"}) {
+        LogCapture capture;
+        CallContext context{1};
+        wchar_t* out = kUntouched;
+        EXPECT_EQ(service.ExecuteCommand(&context, 4, request, &out, nullptr, 0), StatusInvalidRequest) << request;
+        EXPECT_EQ(out, nullptr) << request;
+        EXPECT_TRUE(capture.Texts().empty()) << request;
+    }
+}
+
+TEST(ExecuteCommand, AnyOneJsonValueIsAValidRequest)
+{
+    LumavenTest::InstallProfile(LumavenTest::MonitorsProfile({"4C837441"}));
+    LumavenService service;
+    for (const wchar_t* request : {L"[]", L"  {}  ", L"\n[1,2,{\"a\":null}]\t", L"\"text\"", L"42", L"null"}) {
+        const auto result = Call(service, 4, request);
+        EXPECT_EQ(result.status, StatusSuccess) << request;
+        EXPECT_EQ(result.response, L"{\"result\":true}") << request;
+    }
+}
+
+TEST(ExecuteCommand, DeeplyNestedRequestsParseWithoutExhaustingTheStack)
+{
+    LumavenService service;
+    const std::wstring deep = std::wstring(200000, L'[') + std::wstring(200000, L']');
+    EXPECT_EQ(Call(service, 15, deep.c_str()).status, StatusUnsupportedCommand);
+    const std::wstring unbalanced = std::wstring(200000, L'[');
+    EXPECT_EQ(Call(service, 15, unbalanced.c_str()).status, StatusInvalidRequest);
+}
+
+TEST(ExecuteCommand, CommandNineWithoutElpSetterIsInvalidWithAnEmptyResponse)
+{
+    LumavenService service;
+    const auto result = Call(service, 9, L"{\"BValue\":true}");
+    EXPECT_EQ(result.status, StatusInvalidArgument);
+    EXPECT_EQ(result.response, L"{}");
+}
+
+TEST(ExecuteCommand, CallbackIsNeverCalledAndIsReleased)
+{
+    LumavenService service;
+    auto token = std::make_shared<int>(0);
+    bool called = false;
+    {
+        CommandCallback callback = [token, &called](uint32_t, const wchar_t*) { called = true; };
+        CallContext context{1};
+        wchar_t* out = nullptr;
+        service.ExecuteCommand(&context, 15, L"{}", &out, std::move(callback), 0);
+        service.FreeBuffer(out);
+        EXPECT_EQ(token.use_count(), 1);
+    }
+    EXPECT_FALSE(called);
+}
+
+TEST(ResponseText, ResponsesUpTo65535CharactersAreCopied)
+{
+    Document response;
+    response.SetObject();
+    // {"s":"..."} is 8 characters around the string.
+    const std::wstring text(65535 - 8, L'x');
+    response.AddMember(L"s", JsonValue(text.c_str(), response.GetAllocator()), response.GetAllocator());
+    wchar_t* out = nullptr;
+    EXPECT_EQ(CopyResponseText(response, &out), StatusSuccess);
+    ASSERT_NE(out, nullptr);
+    EXPECT_EQ(wcslen(out), 65535u);
+    std::free(out);
+}
+
+TEST(ResponseText, LongerResponsesAreRefusedWithANullText)
+{
+    Document response;
+    response.SetObject();
+    const std::wstring text(65536 - 8, L'x');
+    response.AddMember(L"s", JsonValue(text.c_str(), response.GetAllocator()), response.GetAllocator());
+    wchar_t* out = kUntouched;
+    EXPECT_EQ(CopyResponseText(response, &out), StatusInvalidArgument);
+    EXPECT_EQ(out, nullptr);
+}

@@ -1,0 +1,112 @@
+// UTF-16 JSON: the "BValue" rule, member look-up on any value, the compact writer's escapes
+// and duplicate members.
+#include "service/Json.h"
+
+#include <gtest/gtest.h>
+
+using namespace Xelto::Spanlet::Server::Services::Lumaven;
+
+namespace {
+
+BValue BValueOf(const wchar_t* text)
+{
+    Document request;
+    EXPECT_TRUE(ParseRequest(request, text)) << text;
+    return ReadBValue(request);
+}
+
+std::wstring Written(const Document& document)
+{
+    JsonText text;
+    WriteCompact(document, text);
+    return text.GetString();
+}
+
+}  // namespace
+
+TEST(Json, OnlyTheLiteralTrueSwitchesOn)
+{
+    EXPECT_EQ(BValueOf(L"{\"BValue\":true}"), BValue::On);
+    EXPECT_EQ(BValueOf(L"{\"BValue\":false}"), BValue::Off);
+    EXPECT_EQ(BValueOf(L"{\"BValue\":1}"), BValue::Off);
+    EXPECT_EQ(BValueOf(L"{\"BValue\":\"true\"}"), BValue::Off);
+    EXPECT_EQ(BValueOf(L"{\"BValue\":{}}"), BValue::Off);
+}
+
+TEST(Json, MissingOrNullBValueIsTheFailedCheck)
+{
+    EXPECT_EQ(BValueOf(L"{\"BValue\":null}"), BValue::Missing);
+    EXPECT_EQ(BValueOf(L"{}"), BValue::Missing);
+    EXPECT_EQ(BValueOf(L"{\"bvalue\":true}"), BValue::Missing);
+    EXPECT_EQ(BValueOf(L"[]"), BValue::Missing);
+    EXPECT_EQ(BValueOf(L"[{\"BValue\":true}]"), BValue::Missing);
+    EXPECT_EQ(BValueOf(L"\"BValue\""), BValue::Missing);
+}
+
+TEST(Json, HasMemberAndMemberOrNullOnAnyValue)
+{
+    Document request;
+    ASSERT_TRUE(ParseRequest(request, L"{\"a\":1,\"b\":null}"));
+    EXPECT_TRUE(HasMember(request, L"a"));
+    EXPECT_TRUE(HasMember(request, L"b"));
+    EXPECT_FALSE(HasMember(request, L"c"));
+    EXPECT_FALSE(HasMember(request, nullptr));
+    EXPECT_EQ(MemberOrNull(request, L"a").GetInt(), 1);
+    EXPECT_TRUE(MemberOrNull(request, L"c").IsNull());
+    Document array;
+    ASSERT_TRUE(ParseRequest(array, L"[1]"));
+    EXPECT_FALSE(HasMember(array, L"a"));
+    EXPECT_TRUE(MemberOrNull(array, L"a").IsNull());
+}
+
+TEST(Json, ParserFollowsTheDefaultRules)
+{
+    Document document;
+    EXPECT_FALSE(ParseRequest(document, L""));
+    EXPECT_FALSE(ParseRequest(document, L" \t\r\n"));
+    EXPECT_FALSE(ParseRequest(document, L"{}{}"));
+    EXPECT_FALSE(ParseRequest(document, L"{} 1"));
+    EXPECT_FALSE(ParseRequest(document, L"{'a':1}"));
+    EXPECT_FALSE(ParseRequest(document, L"{\"a\":1,}"));
+    EXPECT_FALSE(ParseRequest(document, L"// c\n{}"));
+    EXPECT_TRUE(ParseRequest(document, L" \t\r\n{} \r\n"));
+    EXPECT_TRUE(ParseRequest(document, L"[]"));
+    EXPECT_TRUE(ParseRequest(document, L"-1.5e300"));
+}
+
+TEST(Json, CompactWriterEscapesAsJsonRequires)
+{
+    Document document;
+    document.SetObject();
+    const std::wstring text = std::wstring(L"q\" r\\ s/ \b\f\n\r\t ") + wchar_t(0x01) + wchar_t(0x1F) + L" \u00e9";
+    document.AddMember(L"t", JsonValue(text.c_str(), document.GetAllocator()), document.GetAllocator());
+    EXPECT_EQ(Written(document), L"{\"t\":\"q\\\" r\\\\ s/ \\b\\f\\n\\r\\t \\u0001\\u001F \u00e9\"}");
+}
+
+TEST(Json, DuplicateMembersAreKeptInOrder)
+{
+    Document response;
+    response.SetObject();
+    AddBool(response, L"result", true);
+    AddBool(response, L"result", false);
+    AddInt(response, L"n", -1);
+    EXPECT_EQ(Written(response), L"{\"result\":true,\"result\":false,\"n\":-1}");
+}
+
+TEST(Json, EmptyResponseIsAnEmptyObject)
+{
+    Document response;
+    response.SetObject();
+    EXPECT_EQ(Written(response), L"{}");
+}
+
+TEST(Json, ResetToBValueLeavesOnlyThatMember)
+{
+    Document request;
+    ASSERT_TRUE(ParseRequest(request, L"{\"x\":[1,2],\"BValue\":false}"));
+    ResetToBValue(request, true);
+    EXPECT_EQ(Written(request), L"{\"BValue\":true}");
+    ASSERT_TRUE(ParseRequest(request, L"[]"));
+    ResetToBValue(request, false);
+    EXPECT_EQ(Written(request), L"{\"BValue\":false}");
+}

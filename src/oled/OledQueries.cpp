@@ -6,10 +6,7 @@ namespace Xelto::Spanlet::Server::Services::Lumaven {
 
 uint32_t LumavenService::GetIfSystemSupportsOled(Document* request, Document* response, uint64_t contextWord)
 {
-    if (RequestOrResponseMissing(request, response, contextWord)) {
-        return StatusInvalidArgument;
-    }
-    return Guarded(Handler::GetIfSystemSupportsOled, [&] {
+    return RunHandler(Handler::GetIfSystemSupportsOled, request, response, contextWord, [&] {
         AddBool(*response, L"result", GetPanelIndex() != kUnsupportedPanel);
         return StatusSuccess;
     });
@@ -17,10 +14,7 @@ uint32_t LumavenService::GetIfSystemSupportsOled(Document* request, Document* re
 
 uint32_t LumavenService::GetOledFromRegistry(Document* request, Document* response, uint64_t contextWord)
 {
-    if (RequestOrResponseMissing(request, response, contextWord)) {
-        return StatusInvalidArgument;
-    }
-    return Guarded(Handler::GetOledFromRegistry, [&] {
+    return RunHandler(Handler::GetOledFromRegistry, request, response, contextWord, [&] {
         const OledSetting setting = ReadOledSetting();
         AddInt(*response, L"result", setting.On() ? 1 : setting.Off() ? 0 : -1);
         return setting.Failed() ? StatusRegistryError : StatusSuccess;

@@ -16,6 +16,7 @@
 #include <exception>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 namespace Xelto::Spanlet::Server::Services::Lumaven {
 
@@ -85,6 +86,16 @@ public:
         }
     }
     void LogCaught(const HandlerIdentity& handler, const std::exception& caught) const;
+    // Both steps together, for the handlers that start with the request/response check.
+    template <class Work>
+    uint32_t RunHandler(const HandlerIdentity& handler, const Document* request, const Document* response,
+                        uint64_t contextWord, Work&& work)
+    {
+        if (RequestOrResponseMissing(request, response, contextWord)) {
+            return StatusInvalidArgument;
+        }
+        return Guarded(handler, std::forward<Work>(work));
+    }
 };
 
 // The process-wide, non-owning view of the AUX table that the Intel path reads; set by the

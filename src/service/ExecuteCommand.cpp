@@ -62,8 +62,8 @@ constexpr std::array<CommandEntry, 15> kCommands = {{
     {nullptr, CommandLock::Main},                  // 10 _GetIfOLEDSupport
     {nullptr, CommandLock::None},                  // 11 _SetOLEDPowerSaveON
     {nullptr, CommandLock::None},                  // 12 _SetOLEDPowerSaveOFF
-    {nullptr, CommandLock::Adlx},                  // 13 _GetIfVaribrightSupport
-    {nullptr, CommandLock::Adlx},                  // 14 _SetVaribright
+    {&Invoke<&LumavenService::_GetIfVaribrightSupport>, CommandLock::Adlx},  // 13 _GetIfVaribrightSupport
+    {&Invoke<&LumavenService::_SetVaribright>, CommandLock::Adlx},           // 14 _SetVaribright
 }};
 
 const CommandEntry* FindCommand(uint32_t command)

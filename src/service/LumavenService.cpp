@@ -1,5 +1,6 @@
 #include "service/LumavenService.h"
 
+#include "amd/AdlAuxChannel.h"
 #include "util/TypeName.h"
 
 #include <cwchar>
@@ -28,6 +29,8 @@ LumavenService::~LumavenService()
         m_auxData->clear();
         m_auxData.reset();
     }
+    // The ADL binding is process-wide; a write that stopped early left it loaded.
+    ReleaseAdlBinding();
     // The mutexes are destroyed after this body, m_adlxMutex first.
 }
 

@@ -1,0 +1,159 @@
+#include "amd/ADLXHelper.h"
+
+namespace {
+
+constexpr wchar_t kAdlxLibrary[] = L"amdadlx64.dll";
+constexpr DWORD kAdlxLoadFlags = LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_USER_DIRS |
+                                 LOAD_LIBRARY_SEARCH_SYSTEM32 | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS;
+static_assert(kAdlxLoadFlags == 0x1E00);
+
+template <class Function>
+Function Resolve(HMODULE module, const char* name)
+{
+    // Through the generic function pointer type, which converts to any other without a
+    // cast-function-type warning.
+    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(module, name)));
+}
+
+// The library load under which each process-wide object was obtained (see LoadCount).
+uint64_t g_displayServicesLoad = 0;
+uint64_t g_displayLoad = 0;
+
+bool FromCurrentLoad(uint64_t load)
+{
+    return g_ADLXHelp.IsLoaded() && load == g_ADLXHelp.LoadCount();
+}
+
+// Objects of an ADLX that was terminated in the meantime are gone with it: they are dropped
+// without a Release.
+template <class Interface>
+void ReleaseAndClear(Interface*& object, uint64_t load)
+{
+    if (object != nullptr && FromCurrentLoad(load)) {
+        object->Release();
+    }
+    object = nullptr;
+}
+
+}  // namespace
+
+// Destroyed at module unload, which terminates ADLX and frees the library.
+constinit ADLXHelper g_ADLXHelp;
+
+adlx::IADLXDisplayServices* adlxDisplayServices = nullptr;
+adlx::IADLXDisplay* adlxDisplay = nullptr;
+
+ADLXHelper::~ADLXHelper()
+{
+    Terminate();
+}
+
+ADLX_RESULT ADLXHelper::Initialize()
+{
+    if (m_hDLLHandle == nullptr) {
+        m_hDLLHandle = LoadLibraryExW(kAdlxLibrary, nullptr, kAdlxLoadFlags);
+        if (m_hDLLHandle != nullptr) {
+            ++m_loads;
+            m_fullVersionFn = Resolve<ADLXQueryFullVersion_Fn>(m_hDLLHandle, ADLX_QUERY_FULL_VERSION_FUNCTION_NAME);
+            m_versionFn = Resolve<ADLXQueryVersion_Fn>(m_hDLLHandle, ADLX_QUERY_VERSION_FUNCTION_NAME);
+            m_initWithCallerAdlFn =
+                Resolve<ADLXInitializeWithCallerAdl_Fn>(m_hDLLHandle, ADLX_INIT_WITH_CALLER_ADL_FUNCTION_NAME);
+            m_initWithIncompatibleDriverFn = Resolve<ADLXInitializeWithIncompatibleDriver_Fn>(
+                m_hDLLHandle, ADLX_INIT_WITH_INCOMPATIBLE_DRIVER_FUNCTION_NAME);
+            m_initFn = Resolve<ADLXInitialize_Fn>(m_hDLLHandle, ADLX_INIT_FUNCTION_NAME);
+            m_terminateFn = Resolve<ADLXTerminate_Fn>(m_hDLLHandle, ADLX_TERMINATE_FUNCTION_NAME);
+        }
+    }
+    // All six are required, also the two initialisations that are never called: a library
+    // without them is not the ADLX this service is built for.
+    if (m_fullVersionFn == nullptr || m_versionFn == nullptr || m_initWithCallerAdlFn == nullptr ||
+        m_initWithIncompatibleDriverFn == nullptr || m_initFn == nullptr || m_terminateFn == nullptr) {
+        return ADLX_FAIL;
+    }
+    m_fullVersionFn(&m_ADLXFullVersion);
+    m_versionFn(&m_ADLXVersion);
+    return m_initFn(ADLX_FULL_VERSION, &m_pSystemServices);
+}
+
+ADLX_RESULT ADLXHelper::Terminate()
+{
+    if (m_hDLLHandle == nullptr) {
+        return ADLX_OK;
+    }
+    m_ADLXFullVersion = 0;
+    m_ADLXVersion = nullptr;
+    m_pSystemServices = nullptr;
+    m_pAdlMapping = nullptr;
+    const ADLX_RESULT result = m_terminateFn != nullptr ? m_terminateFn() : ADLX_OK;
+    m_fullVersionFn = nullptr;
+    m_versionFn = nullptr;
+    m_initWithCallerAdlFn = nullptr;
+    m_initWithIncompatibleDriverFn = nullptr;
+    m_initFn = nullptr;
+    m_terminateFn = nullptr;
+    FreeLibrary(m_hDLLHandle);
+    m_hDLLHandle = nullptr;
+    return result;
+}
+
+void InitializeAdlxDisplay()
+{
+    if (ADLX_FAILED(g_ADLXHelp.Initialize())) {
+        return;
+    }
+    ReleaseAndClear(adlxDisplayServices, g_displayServicesLoad);
+    adlx::IADLXSystem* const system = g_ADLXHelp.GetSystemServices();
+    ADLX_RESULT result = ADLX_FAIL;
+    if (system != nullptr) {
+        result = system->GetDisplaysServices(&adlxDisplayServices);
+    }
+    if (ADLX_FAILED(result)) {
+        // adlxDisplay is left as it was; it is never used without display services.
+        adlxDisplayServices = nullptr;
+        g_ADLXHelp.Terminate();
+        return;
+    }
+    g_displayServicesLoad = g_ADLXHelp.LoadCount();
+
+    // The list is not released: ADLX reference-counts it and the service never looks at it
+    // again.
+    adlx::IADLXDisplayList* displays = nullptr;
+    if (ADLX_SUCCEEDED(adlxDisplayServices->GetDisplays(&displays)) && displays != nullptr) {
+        ReleaseAndClear(adlxDisplay, g_displayLoad);
+        // Its answer is not looked at: a list without displays leaves no display.
+        displays->At_DisplayList(0, &adlxDisplay);
+        g_displayLoad = g_ADLXHelp.LoadCount();
+    }
+}
+
+ADLX_RESULT GetVariBright(adlx::IADLXDisplayVariBright** ppVariBright)
+{
+    *ppVariBright = nullptr;
+    // Before any initialisation (or after ADLX went away) there are no display services to ask.
+    if (adlxDisplayServices == nullptr || !FromCurrentLoad(g_displayServicesLoad)) {
+        return ADLX_FAIL;
+    }
+    adlx::IADLXDisplay* const display = FromCurrentLoad(g_displayLoad) ? adlxDisplay : nullptr;
+    return adlxDisplayServices->GetVariBright(display, ppVariBright);
+}
+
+bool IsVaribrightSupported()
+{
+    // The interface is not released; ADLX reference-counts it.
+    adlx::IADLXDisplayVariBright* varibright = nullptr;
+    if (ADLX_FAILED(GetVariBright(&varibright)) || varibright == nullptr) {
+        return false;
+    }
+    adlx_bool supported = false;
+    varibright->IsSupported(&supported);
+    return supported;
+}
+
+bool SetVaribrightEnabled(bool enable)
+{
+    adlx::IADLXDisplayVariBright* varibright = nullptr;
+    if (ADLX_FAILED(GetVariBright(&varibright)) || varibright == nullptr) {
+        return false;
+    }
+    return ADLX_SUCCEEDED(varibright->SetEnabled(enable));
+}

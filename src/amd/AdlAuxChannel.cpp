@@ -1,0 +1,228 @@
+#include "amd/AdlAuxChannel.h"
+
+#include "amd/AdlTypes.h"
+
+#include "xelto/Logging.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+namespace Xelto::Spanlet::Server::Services::Lumaven {
+
+namespace {
+
+// The entry points in the order they are resolved, with whether a call can go on without
+// them. The AUX entry is required too but is tested on its own, after the others; the EDID
+// entry's absence is only noticed per display.
+#define LUMAVEN_ADL_ENTRY_POINTS(X)                                                      \
+    X(ADL2_Display_EdidData_Get, ADL2_DISPLAY_EDIDDATA_GET, false)                       \
+    X(ADL2_Main_Control_Create, ADL2_MAIN_CONTROL_CREATE, true)                          \
+    X(ADL2_Adapter_NumberOfAdapters_Get, ADL2_ADAPTER_NUMBEROFADAPTERS_GET, true)        \
+    X(ADL2_Adapter_AdapterInfo_Get, ADL2_ADAPTER_ADAPTERINFO_GET, true)                  \
+    X(ADL2_Display_DisplayInfo_Get, ADL2_DISPLAY_DISPLAYINFO_GET, true)                  \
+    X(ADL2_Main_Control_Destroy, ADL2_MAIN_CONTROL_DESTROY, true)                        \
+    X(ADL2_Display_NativeAUXChannel_Access, ADL2_DISPLAY_NATIVEAUXCHANNEL_ACCESS, false)
+
+// What one WriteAuxDataAmd call holds of ADL. It is process-wide so that a call that stops
+// early (which leaves the library loaded and its context alive) can still be released later,
+// by the next call or by the service's destructor.
+struct AdlBinding {
+    HMODULE module = nullptr;
+#define LUMAVEN_ADL_MEMBER(name, type, required) Adl::type name = nullptr;
+    LUMAVEN_ADL_ENTRY_POINTS(LUMAVEN_ADL_MEMBER)
+#undef LUMAVEN_ADL_MEMBER
+    Adl::ADL_CONTEXT_HANDLE context = nullptr;
+    Adl::AdapterInfo* adapterInfo = nullptr;     // malloc'ed here
+    Adl::ADLDisplayInfo* displayInfo = nullptr;  // allocated by ADL through AdlMainMemoryAlloc
+};
+
+AdlBinding g_adl;
+
+// AUX records always go to this adapter and display, whichever display matched the panel.
+constexpr int kAuxTargetAdapter = 0;
+constexpr int kAuxTargetDisplay = 0;
+// The second and third words of every AUX record.
+constexpr int kAuxStatusBeforeCall = 0;
+constexpr int kAuxCommandWrite = 1;
+
+constexpr int kEnumConnectedAdapters = 1;
+constexpr int64_t kMaxAdapterBufferBytes = 0x80000000LL;
+
+template <class Function>
+Function Resolve(HMODULE module, const char* name)
+{
+    // Through the generic function pointer type, which converts to any other without a
+    // cast-function-type warning.
+    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(module, name)));
+}
+
+void* __stdcall AdlMainMemoryAlloc(int size)
+{
+    return size > 0 ? std::malloc(static_cast<size_t>(size)) : nullptr;
+}
+
+bool RequiredEntryPointsBound()
+{
+    bool bound = true;
+#define LUMAVEN_ADL_CHECK(name, type, required) \
+    if (required && g_adl.name == nullptr) {    \
+        bound = false;                          \
+    }
+    LUMAVEN_ADL_ENTRY_POINTS(LUMAVEN_ADL_CHECK)
+#undef LUMAVEN_ADL_CHECK
+    return bound;
+}
+
+// The panel identity in the EDID of the display at these loop positions; 0 when it cannot
+// be read. ADL is handed the positions, not the adapter's or display's own indices.
+PanelId ReadPanelIdAt(TraceLogger* logger, int adapterPosition, int displayPosition)
+{
+    if (g_adl.ADL2_Display_EdidData_Get == nullptr) {
+        logger->LogInfo(L"EDID API is NULL");
+        return 0;
+    }
+    Adl::ADLDisplayEDIDData edid{};
+    edid.iSize = sizeof edid;
+    if (g_adl.ADL2_Display_EdidData_Get(g_adl.context, adapterPosition, displayPosition, &edid) != Adl::ADL_OK) {
+        return 0;
+    }
+    const auto byte = [&edid](int index) { return static_cast<PanelId>(static_cast<uint8_t>(edid.cEDIDData[index])); };
+    return byte(8) | byte(9) << 8 | byte(10) << 16 | byte(11) << 24;
+}
+
+// One AUX transaction per write, in list order, without waiting for or reading back any of
+// them: ADL's answer is not looked at.
+void SendAuxWrites(const std::vector<AuxWrite>& writes)
+{
+    for (const AuxWrite& write : writes) {
+        Adl::ADLDisplayNativeAUXChannelData record{};
+        record.iSize = sizeof record;
+        record.iAuxStatus = kAuxStatusBeforeCall;
+        record.iCommand = kAuxCommandWrite;
+        record.iAddress = static_cast<int>(write.address);
+        record.iDataSize = static_cast<int>(write.data.size());
+        // The table's writes are at most 3 bytes; a longer list cannot fit the record.
+        std::memcpy(record.cData, write.data.data(), std::min(write.data.size(), sizeof record.cData));
+        g_adl.ADL2_Display_NativeAUXChannel_Access(g_adl.context, kAuxTargetAdapter, kAuxTargetDisplay, &record);
+    }
+}
+
+// Walks every adapter's displays and writes to each mapped display of the panel.
+bool WriteToMatchingDisplays(TraceLogger* logger, int adapterCount, PanelId panelId, const std::vector<AuxWrite>& writes)
+{
+    bool matched = false;
+    for (int i = 0; i < adapterCount; ++i) {
+        std::free(g_adl.displayInfo);
+        g_adl.displayInfo = nullptr;
+        const int adapterIndex = g_adl.adapterInfo[i].iAdapterIndex;
+        int displayCount = 0;
+        if (g_adl.ADL2_Display_DisplayInfo_Get(g_adl.context, adapterIndex, &displayCount, &g_adl.displayInfo, 0) !=
+            Adl::ADL_OK) {
+            continue;
+        }
+        logger->LogInfo(L"display count=%d", displayCount);
+        if (g_adl.displayInfo == nullptr) {
+            continue;
+        }
+        for (int j = 0; j < displayCount; ++j) {
+            const Adl::ADLDisplayInfo& display = g_adl.displayInfo[j];
+            // Mapped is what counts; the connected bit is deliberately not required.
+            const bool mapped = ((display.iDisplayInfoValue & Adl::ADL_DISPLAY_DISPLAYINFO_DISPLAYMAPPED) |
+                                 Adl::ADL_DISPLAY_DISPLAYINFO_DISPLAYCONNECTED) == 3;
+            if (!mapped || display.displayID.iDisplayLogicalAdapterIndex != adapterIndex) {
+                continue;
+            }
+            if (ReadPanelIdAt(logger, i, j) != panelId) {
+                continue;
+            }
+            logger->LogInfo(L"Write AUX data");
+            matched = true;
+            const std::vector<AuxWrite> copy = writes;
+            SendAuxWrites(copy);
+        }
+    }
+    return matched;
+}
+
+}  // namespace
+
+void ReleaseAdlBinding()
+{
+    if (g_adl.module == nullptr) {
+        return;
+    }
+    std::free(g_adl.adapterInfo);
+    std::free(g_adl.displayInfo);
+    if (g_adl.context != nullptr && g_adl.ADL2_Main_Control_Destroy != nullptr) {
+        g_adl.ADL2_Main_Control_Destroy(g_adl.context);
+    }
+    const HMODULE module = g_adl.module;
+    g_adl = AdlBinding{};
+    FreeLibrary(module);
+}
+
+bool WriteAuxDataAmd(PanelId panelId, std::vector<AuxWrite> writes)
+{
+    TraceLogger* logger = LogManager::GetLogger();
+    // An earlier call that stopped early left ADL loaded; every call starts from a fresh load.
+    ReleaseAdlBinding();
+
+    HMODULE module = LoadLibraryW(L"atiadlxx.dll");
+    if (module == nullptr) {
+        module = LoadLibraryW(L"atiadlxy.dll");
+    }
+    if (module == nullptr) {
+        logger->LogInfo(L"ADL library not found!");
+        return false;
+    }
+    g_adl.module = module;
+#define LUMAVEN_ADL_RESOLVE(name, type, required) g_adl.name = Resolve<Adl::type>(module, #name);
+    LUMAVEN_ADL_ENTRY_POINTS(LUMAVEN_ADL_RESOLVE)
+#undef LUMAVEN_ADL_RESOLVE
+
+    // From here on, the early failures leave the library loaded (and, once created, the
+    // context alive) for ReleaseAdlBinding.
+    if (!RequiredEntryPointsBound()) {
+        logger->LogInfo(L"ADL2's API is missing!");
+        return false;
+    }
+    if (g_adl.ADL2_Display_NativeAUXChannel_Access == nullptr) {
+        logger->LogInfo(L"ADL2_Display_NativeAUXChannel_Access API is missing!");
+        return false;
+    }
+    if (g_adl.ADL2_Main_Control_Create(&AdlMainMemoryAlloc, kEnumConnectedAdapters, &g_adl.context) != Adl::ADL_OK) {
+        logger->LogInfo(L"ADL Initialization Error!");
+        return false;
+    }
+    int adapterCount = 0;
+    if (g_adl.ADL2_Adapter_NumberOfAdapters_Get(g_adl.context, &adapterCount) != Adl::ADL_OK) {
+        logger->LogInfo(L"Cannot get the number of adapters!");
+        return false;
+    }
+    logger->LogInfo(L"nAdapter count=%d", adapterCount);
+    const int64_t adapterBytes = static_cast<int64_t>(adapterCount) * static_cast<int64_t>(sizeof(Adl::AdapterInfo));
+    if (adapterBytes >= kMaxAdapterBufferBytes) {
+        logger->LogInfo(L"lpAdapterInfo buffer size overflow");
+        return false;
+    }
+
+    bool matched = false;
+    if (adapterCount > 0) {
+        g_adl.adapterInfo = static_cast<Adl::AdapterInfo*>(std::malloc(static_cast<size_t>(adapterBytes)));
+        if (g_adl.adapterInfo != nullptr) {
+            std::memset(g_adl.adapterInfo, 0, static_cast<size_t>(adapterBytes));
+            // Its answer is not looked at: a failed fill leaves zeroed records (adapter index 0).
+            g_adl.ADL2_Adapter_AdapterInfo_Get(g_adl.context, g_adl.adapterInfo, static_cast<int>(adapterBytes));
+            matched = WriteToMatchingDisplays(logger, adapterCount, panelId, writes);
+        }
+    }
+
+    ReleaseAdlBinding();
+    return matched;
+}
+
+}  // namespace Xelto::Spanlet::Server::Services::Lumaven

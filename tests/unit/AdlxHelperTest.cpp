@@ -1,0 +1,358 @@
+// ADLXHelper and the VariBright operations against the simulated ADLX: loading and
+// initialising, the display services and first display kept process-wide, termination when
+// the display services cannot be had, and VariBright read and switched through the fake
+// driver's state and transaction log. Each test terminates ADLX before and after itself, so
+// no test depends on another's leftovers.
+#include "AdlSimSupport.h"
+#include "SimMachine.h"
+
+#include "amd/ADLXHelper.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace LumavenTest::Amd;
+using LumavenTest::InstallProfile;
+
+namespace {
+
+// A laptop whose ADLX displays have these VariBright settings (JSON objects).
+std::string Laptop(const std::string& displays = R"({"varibrightSupported":true,"varibrightEnabled":false})",
+                   const std::string& adlxFile = "amdadlx64.dll", const std::string& extra = "")
+{
+    std::string libraries = adlxFile.empty() ? "{}" : R"({"amdadlx64.dll":")" + adlxFile + R"("})";
+    return R"({"monitors":[{"panel":"4C836C41"}],"adlx":{"displays":[)" + displays + R"(]},"libraries":)" +
+           libraries + extra + "}";
+}
+
+bool DisplayFlag(size_t display, const char* name)
+{
+    const rapidjson::Document state = State();
+    return Flag(state["adlx"]["displays"][static_cast<rapidjson::SizeType>(display)], name);
+}
+
+std::string DisplayMode(size_t display)
+{
+    const rapidjson::Document state = State();
+    return Text(state["adlx"]["displays"][static_cast<rapidjson::SizeType>(display)], "varibrightMode");
+}
+
+bool Initialized()
+{
+    const rapidjson::Document state = State();
+    return state.HasMember("adlx") && Flag(state["adlx"], "initialized");
+}
+
+class AdlxHelper : public testing::Test {
+protected:
+    void SetUp() override { g_ADLXHelp.Terminate(); }
+    void TearDown() override { g_ADLXHelp.Terminate(); }
+};
+
+}  // namespace
+
+TEST_F(AdlxHelper, MissingLibraryFailsWith3AndChangesNothing)
+{
+    InstallProfile(Laptop(R"({"varibrightSupported":true})", ""));
+    adlx::IADLXDisplayServices* const servicesBefore = adlxDisplayServices;
+    adlx::IADLXDisplay* const displayBefore = adlxDisplay;
+    EXPECT_EQ(g_ADLXHelp.Initialize(), ADLX_FAIL);
+    EXPECT_FALSE(g_ADLXHelp.IsLoaded());
+    InitializeAdlxDisplay();
+    EXPECT_EQ(adlxDisplayServices, servicesBefore);
+    EXPECT_EQ(adlxDisplay, displayBefore);
+    EXPECT_FALSE(g_ADLXHelp.IsLoaded());
+    EXPECT_TRUE(Calls().empty());
+}
+
+TEST_F(AdlxHelper, LibraryWithoutInitializeWithIncompatibleDriverFailsWith3)
+{
+    InstallProfile(Laptop(R"({"varibrightSupported":true})", "amdadlx64_noincompat.dll"));
+    EXPECT_EQ(g_ADLXHelp.Initialize(), ADLX_FAIL);
+    EXPECT_TRUE(Calls().empty()) << "not even the version is asked for";
+    EXPECT_EQ(g_ADLXHelp.GetSystemServices(), nullptr);
+    InitializeAdlxDisplay();
+    EXPECT_TRUE(Calls().empty());
+    EXPECT_FALSE(Initialized());
+    EXPECT_EQ(StateNumber("adlx", "loads"), 1);
+    EXPECT_EQ(g_ADLXHelp.Terminate(), ADLX_OK);
+    EXPECT_EQ(StateNumber("adlx", "unloads"), 1);
+}
+
+TEST_F(AdlxHelper, InitializeQueriesTheVersionsThenInitializesWithTheHeaderVersion)
+{
+    InstallProfile(Laptop());
+    EXPECT_EQ(g_ADLXHelp.Initialize(), ADLX_OK);
+    EXPECT_TRUE(g_ADLXHelp.IsLoaded());
+    EXPECT_NE(g_ADLXHelp.GetSystemServices(), nullptr);
+    EXPECT_EQ(Calls(), (std::vector<std::string>{"ADLXQueryFullVersion", "ADLXQueryVersion", "ADLXInitialize"}));
+    EXPECT_EQ(Text(RecordsOf("ADLXInitialize")[0], "version"), "0x0001000200000048");
+    EXPECT_EQ(g_ADLXHelp.QueryFullVersion(), 0x000100040000006EULL);
+    EXPECT_STREQ(g_ADLXHelp.QueryVersion(), "1.4.0.110");
+    EXPECT_TRUE(Initialized());
+    EXPECT_EQ(StateNumber("adlx", "loads"), 1);
+}
+
+TEST_F(AdlxHelper, RepeatedInitializeReportsAlreadyInitializedWithoutLoadingAgain)
+{
+    InstallProfile(Laptop());
+    EXPECT_EQ(g_ADLXHelp.Initialize(), ADLX_OK);
+    adlx::IADLXSystem* const system = g_ADLXHelp.GetSystemServices();
+    EXPECT_EQ(g_ADLXHelp.Initialize(), ADLX_ALREADY_INITIALIZED);
+    EXPECT_TRUE(ADLX_SUCCEEDED(ADLX_ALREADY_INITIALIZED));
+    EXPECT_EQ(g_ADLXHelp.GetSystemServices(), system);
+    EXPECT_EQ(RecordsOf("ADLXQueryFullVersion").size(), 2u) << "the version queries run on every call";
+    EXPECT_EQ(StateNumber("adlx", "loads"), 1);
+}
+
+TEST_F(AdlxHelper, TerminateClearsEverythingAndUnloads)
+{
+    InstallProfile(Laptop());
+    ASSERT_EQ(g_ADLXHelp.Initialize(), ADLX_OK);
+    EXPECT_EQ(g_ADLXHelp.Terminate(), ADLX_OK);
+    EXPECT_FALSE(g_ADLXHelp.IsLoaded());
+    EXPECT_EQ(g_ADLXHelp.GetSystemServices(), nullptr);
+    EXPECT_EQ(g_ADLXHelp.QueryFullVersion(), 0u);
+    EXPECT_EQ(g_ADLXHelp.QueryVersion(), nullptr);
+    EXPECT_EQ(RecordsOf("ADLXTerminate").size(), 1u);
+    EXPECT_FALSE(Initialized());
+    EXPECT_EQ(StateNumber("adlx", "unloads"), 1);
+    // Not loaded: nothing to do.
+    EXPECT_EQ(g_ADLXHelp.Terminate(), ADLX_OK);
+    EXPECT_EQ(RecordsOf("ADLXTerminate").size(), 1u);
+}
+
+TEST_F(AdlxHelper, TerminateAnswersWhatADLXTerminateAnswers)
+{
+    InstallProfile(Laptop(R"({"varibrightSupported":true})", "amdadlx64.dll",
+                          R"(,"faults":[{"function":"ADLXTerminate","code":3}])"));
+    ASSERT_EQ(g_ADLXHelp.Initialize(), ADLX_OK);
+    EXPECT_EQ(g_ADLXHelp.Terminate(), ADLX_FAIL);
+    EXPECT_FALSE(g_ADLXHelp.IsLoaded()) << "unloaded all the same";
+}
+
+TEST_F(AdlxHelper, HelperDestructorTerminates)
+{
+    InstallProfile(Laptop());
+    {
+        ADLXHelper helper;
+        EXPECT_EQ(helper.Initialize(), ADLX_OK);
+    }
+    EXPECT_EQ(RecordsOf("ADLXTerminate").size(), 1u);
+    EXPECT_EQ(StateNumber("adlx", "unloads"), 1);
+}
+
+TEST_F(AdlxHelper, InitializeAdlxDisplayTakesTheServicesAndTheFirstDisplay)
+{
+    InstallProfile(Laptop(R"({"varibrightSupported":true},{"varibrightSupported":false})"));
+    InitializeAdlxDisplay();
+    ASSERT_NE(adlxDisplayServices, nullptr);
+    ASSERT_NE(adlxDisplay, nullptr);
+    EXPECT_EQ(Calls(), (std::vector<std::string>{"ADLXQueryFullVersion", "ADLXQueryVersion", "ADLXInitialize",
+                                                 "GetDisplaysServices", "GetDisplays", "At"}));
+    EXPECT_EQ(Number(RecordsOf("GetDisplays")[0], "count"), 2);
+    EXPECT_EQ(Number(RecordsOf("At")[0], "index"), 0);
+    adlx_size id = 99;
+    EXPECT_EQ(adlxDisplay->UniqueId(&id), ADLX_OK);
+    EXPECT_EQ(id, 0u);
+}
+
+TEST_F(AdlxHelper, SecondInitializeAdlxDisplayReleasesAndReplacesBoth)
+{
+    InstallProfile(Laptop());
+    InitializeAdlxDisplay();
+    ASSERT_NE(adlxDisplayServices, nullptr);
+    LumavenSim::ClearTransactions();
+    InitializeAdlxDisplay();
+    ASSERT_NE(adlxDisplayServices, nullptr);
+    ASSERT_NE(adlxDisplay, nullptr);
+    EXPECT_EQ(Number(RecordsOf("ADLXInitialize")[0], "result"), ADLX_ALREADY_INITIALIZED);
+    const auto releases = RecordsOf("Release");
+    ASSERT_EQ(releases.size(), 2u);
+    EXPECT_EQ(Text(releases[0], "interface"), "IADLXDisplayServices");
+    EXPECT_EQ(Number(releases[0], "refs"), 0);
+    EXPECT_EQ(Text(releases[1], "interface"), "IADLXDisplay");
+    EXPECT_EQ(Number(releases[1], "refs"), 1) << "the first list still holds the old display";
+    EXPECT_EQ(Calls(), (std::vector<std::string>{"ADLXQueryFullVersion", "ADLXQueryVersion", "ADLXInitialize", "Release",
+                                                 "GetDisplaysServices", "GetDisplays", "Release", "At"}));
+    EXPECT_TRUE(IsVaribrightSupported()) << "the new objects work";
+    EXPECT_EQ(StateNumber("adlx", "loads"), 1);
+}
+
+TEST_F(AdlxHelper, FailingDisplayServicesTerminateAndTheNextCallLoadsAgain)
+{
+    InstallProfile(Laptop(R"({"varibrightSupported":true})", "amdadlx64.dll",
+                          R"(,"faults":[{"function":"GetDisplaysServices","code":3,"nth":2}])"));
+    InitializeAdlxDisplay();
+    ASSERT_NE(adlxDisplayServices, nullptr);
+    adlx::IADLXDisplay* const firstDisplay = adlxDisplay;
+    ASSERT_NE(firstDisplay, nullptr);
+
+    LumavenSim::ClearTransactions();
+    InitializeAdlxDisplay();
+    EXPECT_EQ(adlxDisplayServices, nullptr);
+    EXPECT_EQ(adlxDisplay, firstDisplay) << "the display is left as it was";
+    EXPECT_FALSE(g_ADLXHelp.IsLoaded());
+    EXPECT_EQ(Calls(), (std::vector<std::string>{"ADLXQueryFullVersion", "ADLXQueryVersion", "ADLXInitialize", "Release",
+                                                 "GetDisplaysServices", "ADLXTerminate"}));
+    EXPECT_EQ(Number(RecordsOf("GetDisplaysServices")[0], "result"), ADLX_FAIL);
+    EXPECT_FALSE(Initialized());
+    EXPECT_EQ(StateNumber("adlx", "unloads"), 1);
+    EXPECT_FALSE(IsVaribrightSupported());
+    EXPECT_FALSE(SetVaribrightEnabled(true));
+    EXPECT_EQ(RecordsOf("GetVariBright").size(), 0u) << "no display services, nothing asked";
+
+    LumavenSim::ClearTransactions();
+    InitializeAdlxDisplay();
+    EXPECT_TRUE(g_ADLXHelp.IsLoaded());
+    EXPECT_EQ(StateNumber("adlx", "loads"), 2);
+    EXPECT_EQ(Number(RecordsOf("ADLXInitialize")[0], "result"), ADLX_OK) << "a fresh initialisation";
+    EXPECT_TRUE(RecordsOf("Release").empty()) << "the display of the terminated ADLX is not released";
+    ASSERT_NE(adlxDisplayServices, nullptr);
+    EXPECT_TRUE(IsVaribrightSupported());
+}
+
+TEST_F(AdlxHelper, DisplayServicesAlwaysFailingLeaveADLXUnloaded)
+{
+    InstallProfile(Laptop(R"({"varibrightSupported":true})", "amdadlx64.dll",
+                          R"(,"faults":[{"function":"GetDisplaysServices","code":12}])"));
+    InitializeAdlxDisplay();
+    InitializeAdlxDisplay();
+    EXPECT_EQ(adlxDisplayServices, nullptr);
+    EXPECT_FALSE(g_ADLXHelp.IsLoaded());
+    EXPECT_EQ(StateNumber("adlx", "loads"), 2);
+    EXPECT_EQ(StateNumber("adlx", "unloads"), 2);
+    EXPECT_EQ(RecordsOf("ADLXTerminate").size(), 2u);
+}
+
+TEST_F(AdlxHelper, FailedDisplayListKeepsThePreviousDisplay)
+{
+    InstallProfile(Laptop(R"({"varibrightSupported":true})", "amdadlx64.dll",
+                          R"(,"faults":[{"function":"GetDisplays","code":3,"nth":2}])"));
+    InitializeAdlxDisplay();
+    adlx::IADLXDisplay* const firstDisplay = adlxDisplay;
+    InitializeAdlxDisplay();
+    EXPECT_NE(adlxDisplayServices, nullptr);
+    EXPECT_EQ(adlxDisplay, firstDisplay);
+    EXPECT_TRUE(IsVaribrightSupported());
+}
+
+TEST_F(AdlxHelper, WithoutDisplayServicesVaribrightIsFalseAndNothingIsCalled)
+{
+    InstallProfile(Laptop());
+    // Fresh from SetUp: ADLX is not loaded and whatever an earlier test left is gone with it.
+    EXPECT_FALSE(IsVaribrightSupported());
+    EXPECT_FALSE(SetVaribrightEnabled(true));
+    adlx::IADLXDisplayVariBright* varibright = reinterpret_cast<adlx::IADLXDisplayVariBright*>(1);
+    EXPECT_EQ(GetVariBright(&varibright), ADLX_FAIL);
+    EXPECT_EQ(varibright, nullptr);
+    EXPECT_TRUE(Calls().empty());
+    EXPECT_FALSE(DisplayFlag(0, "varibrightEnabled"));
+}
+
+TEST_F(AdlxHelper, NullDisplayServicesCountAsFailureEvenWithADLXInitialized)
+{
+    InstallProfile(Laptop());
+    InitializeAdlxDisplay();
+    ASSERT_NE(adlxDisplayServices, nullptr);
+    adlxDisplayServices->Release();
+    adlxDisplayServices = nullptr;
+    LumavenSim::ClearTransactions();
+    EXPECT_FALSE(IsVaribrightSupported());
+    EXPECT_FALSE(SetVaribrightEnabled(true));
+    EXPECT_TRUE(Calls().empty());
+}
+
+TEST_F(AdlxHelper, IsVaribrightSupportedAsksTheFirstDisplay)
+{
+    InstallProfile(Laptop(R"({"varibrightSupported":true},{"varibrightSupported":false})"));
+    InitializeAdlxDisplay();
+    LumavenSim::ClearTransactions();
+    EXPECT_TRUE(IsVaribrightSupported());
+    EXPECT_EQ(Calls(), (std::vector<std::string>{"GetVariBright", "IsSupported"}));
+    EXPECT_EQ(Number(RecordsOf("GetVariBright")[0], "display"), 0);
+    EXPECT_TRUE(Flag(RecordsOf("IsSupported")[0], "supported"));
+}
+
+TEST_F(AdlxHelper, UnsupportedVaribrightAnswersFalse)
+{
+    InstallProfile(Laptop(R"({"varibrightSupported":false},{"varibrightSupported":true})"));
+    InitializeAdlxDisplay();
+    EXPECT_FALSE(IsVaribrightSupported());
+}
+
+TEST_F(AdlxHelper, FailedIsSupportedOrGetVariBrightAnswersFalse)
+{
+    InstallProfile(Laptop(R"({"varibrightSupported":true})", "amdadlx64.dll",
+                          R"(,"faults":[{"function":"IsSupported","code":3,"nth":1},)"
+                          R"({"function":"GetVariBright","code":12,"nth":2}])"));
+    InitializeAdlxDisplay();
+    EXPECT_FALSE(IsVaribrightSupported()) << "IsSupported failed and set nothing";
+    EXPECT_FALSE(IsVaribrightSupported()) << "GetVariBright failed";
+    EXPECT_TRUE(IsVaribrightSupported());
+}
+
+TEST_F(AdlxHelper, DisplayListWithoutDisplaysLeavesNoDisplay)
+{
+    InstallProfile(Laptop(""));
+    InitializeAdlxDisplay();
+    EXPECT_NE(adlxDisplayServices, nullptr);
+    EXPECT_EQ(adlxDisplay, nullptr);
+    EXPECT_EQ(Number(RecordsOf("At")[0], "result"), ADLX_INVALID_ARGS);
+    EXPECT_FALSE(IsVaribrightSupported());
+    EXPECT_EQ(Number(RecordsOf("GetVariBright")[0], "result"), ADLX_INVALID_ARGS);
+}
+
+TEST_F(AdlxHelper, SetVaribrightEnabledSwitchesTheFirstDisplay)
+{
+    InstallProfile(Laptop(R"({"varibrightSupported":true,"varibrightEnabled":false},{"varibrightSupported":true})"));
+    InitializeAdlxDisplay();
+    LumavenSim::ClearTransactions();
+    EXPECT_TRUE(SetVaribrightEnabled(true));
+    EXPECT_TRUE(DisplayFlag(0, "varibrightEnabled"));
+    EXPECT_FALSE(DisplayFlag(1, "varibrightEnabled"));
+    EXPECT_EQ(Calls(), (std::vector<std::string>{"GetVariBright", "SetEnabled"}));
+    EXPECT_TRUE(Flag(RecordsOf("SetEnabled")[0], "value"));
+    EXPECT_TRUE(SetVaribrightEnabled(false));
+    EXPECT_FALSE(DisplayFlag(0, "varibrightEnabled"));
+    EXPECT_FALSE(Flag(RecordsOf("SetEnabled")[1], "value"));
+}
+
+TEST_F(AdlxHelper, SetVaribrightEnabledOnAnUnsupportedDisplayIsRefused)
+{
+    InstallProfile(Laptop(R"({"varibrightSupported":false,"varibrightEnabled":false})"));
+    InitializeAdlxDisplay();
+    EXPECT_FALSE(SetVaribrightEnabled(true));
+    EXPECT_EQ(Number(RecordsOf("SetEnabled")[0], "result"), ADLX_NOT_SUPPORTED);
+    EXPECT_FALSE(DisplayFlag(0, "varibrightEnabled"));
+}
+
+TEST_F(AdlxHelper, GetVariBrightGivesAnInterfaceForEnableAndMaximizeBattery)
+{
+    InstallProfile(Laptop(R"({"varibrightSupported":true,"varibrightEnabled":false,"varibrightMode":"balanced"})"));
+    InitializeAdlxDisplay();
+    LumavenSim::ClearTransactions();
+    adlx::IADLXDisplayVariBright* varibright = nullptr;
+    ASSERT_EQ(GetVariBright(&varibright), ADLX_OK);
+    ASSERT_NE(varibright, nullptr);
+    EXPECT_EQ(varibright->SetEnabled(true), ADLX_OK);
+    ASSERT_EQ(GetVariBright(&varibright), ADLX_OK);
+    EXPECT_EQ(varibright->SetMaximizeBattery(), ADLX_OK);
+    adlx_bool current = false;
+    EXPECT_EQ(varibright->IsCurrentMaximizeBattery(&current), ADLX_OK);
+    EXPECT_TRUE(current);
+    EXPECT_TRUE(DisplayFlag(0, "varibrightEnabled"));
+    EXPECT_EQ(DisplayMode(0), "maximizeBattery");
+    EXPECT_EQ(Calls(), (std::vector<std::string>{"GetVariBright", "SetEnabled", "GetVariBright", "SetMaximizeBattery"}));
+}
+
+TEST_F(AdlxHelper, ObjectsLeftAtTerminationAreReportedAsOrphans)
+{
+    InstallProfile(Laptop());
+    InitializeAdlxDisplay();
+    EXPECT_TRUE(IsVaribrightSupported());
+    g_ADLXHelp.Terminate();
+    // Display services, the list, its display and the VariBright interface.
+    EXPECT_EQ(Number(RecordsOf("ADLXTerminate")[0], "orphans"), 4);
+}

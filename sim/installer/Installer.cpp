@@ -180,20 +180,44 @@ bool SameContent(const std::wstring& a, const std::wstring& b)
     return x.str() == y.str();
 }
 
-// A library still mapped by this process cannot be overwritten, but it can be deleted and
-// replaced; an identical one is left alone.
+// Moves a file out of the way. A library that a running process still has mapped can be
+// neither overwritten nor deleted, but it can be renamed: the process keeps its mapping and
+// the name is free for the next driver. Moved files are swept by later installs.
+bool RemoveFile(const std::wstring& target)
+{
+    if (DeleteFileW(target.c_str()) || GetLastError() == ERROR_FILE_NOT_FOUND) {
+        return true;
+    }
+    const std::wstring aside = target + L"." + std::to_wstring(GetTickCount64()) + L".stale";
+    return MoveFileExW(target.c_str(), aside.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
+}
+
+void SweepStaleFiles(const std::wstring& directory)
+{
+    WIN32_FIND_DATAW found;
+    const HANDLE search = FindFirstFileW((directory + L"\\*.stale").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) {
+        return;
+    }
+    do {
+        DeleteFileW((directory + L"\\" + found.cFileName).c_str());  // still mapped ones stay
+    } while (FindNextFileW(search, &found));
+    FindClose(search);
+}
+
+// An identical library is left alone.
 bool PlaceFile(const std::wstring& source, const std::wstring& target)
 {
     if (SameContent(source, target)) {
         return true;
     }
-    DeleteFileW(target.c_str());
-    return CopyFileW(source.c_str(), target.c_str(), FALSE) != 0;
+    return RemoveFile(target) && CopyFileW(source.c_str(), target.c_str(), FALSE) != 0;
 }
 
 bool InstallLibraries(const rapidjson::Value* libraries, const std::wstring& simDlls, std::string& error)
 {
     const std::wstring system32 = System32();
+    SweepStaleFiles(system32);
     const std::wstring wineDxgi = system32 + L"\\" + kWineDxgiBackup;
     if (GetFileAttributesW(wineDxgi.c_str()) == INVALID_FILE_ATTRIBUTES) {
         CopyFileW((system32 + L"\\dxgi.dll").c_str(), wineDxgi.c_str(), TRUE);
@@ -211,12 +235,9 @@ bool InstallLibraries(const rapidjson::Value* libraries, const std::wstring& sim
             }
         } else if (name == L"dxgi.dll") {
             PlaceFile(wineDxgi, target);
-        } else {
-            DeleteFileW(target.c_str());
-            if (GetFileAttributesW(target.c_str()) != INVALID_FILE_ATTRIBUTES) {
-                error = "cannot remove " + Narrow(target);
-                return false;
-            }
+        } else if (!RemoveFile(target)) {
+            error = "cannot remove " + Narrow(target);
+            return false;
         }
     }
     return true;

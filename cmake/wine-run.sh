@@ -4,6 +4,8 @@
 : "${WINEPREFIX:=${LUMAVEN_WINEPREFIX:-$HOME/.wine}}"
 export WINEPREFIX
 export WINEDEBUG=-all
-# The simulated GPU is a native dxgi.dll in the prefix's system32.
-export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-dxgi=n}"
+# The simulated GPU is a native dxgi.dll in the prefix's system32. Wine's own file there is
+# marked builtin and is refused as native, so "b" must follow: without it a prefix that has
+# Wine's dxgi.dll back cannot load Wine's WMI provider (which imports dxgi.dll) at all.
+export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-dxgi=n,b}"
 exec wine "$@"

@@ -1,0 +1,15 @@
+// The graphics vendor from the names of the machine's video controllers.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Xelto::Spanlet::Server::Services::Lumaven {
+
+// kVendorIntel when any name contains "Intel"; else kVendorAmd when any contains "AMD" or
+// "Radeon"; else 0. The words are matched case-sensitively anywhere in a name, so an Intel
+// controller wins over an AMD one whatever their order.
+int32_t VendorFromControllerNames(const std::vector<std::wstring>& names);
+
+}  // namespace Xelto::Spanlet::Server::Services::Lumaven

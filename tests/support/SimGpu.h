@@ -1,0 +1,36 @@
+// The simulated GPU: a profile whose fake dxgi.dll reports one adapter with the given name,
+// which Wine's WMI then shows as the machine's video controller.
+#pragma once
+
+#include "SimMachine.h"
+
+#include <string>
+#include <vector>
+
+namespace LumavenTest {
+
+inline std::string GpuProfile(const std::string& gpuName, const std::string& extraMembers = "")
+{
+    return "{\"gpuName\":\"" + gpuName + "\",\"libraries\":{\"dxgi.dll\":\"dxgi.dll\"}" +
+           (extraMembers.empty() ? "" : "," + extraMembers) + "}";
+}
+
+inline void InstallGpu(const std::string& gpuName, const std::string& extraMembers = "")
+{
+    InstallProfile(GpuProfile(gpuName, extraMembers));
+}
+
+// The descriptions the fake dxgi.dll handed out since the profile was installed, in order.
+inline std::vector<std::string> DescribedAdapters()
+{
+    std::vector<std::string> descriptions;
+    for (const auto& record : Transactions()) {
+        if (record.IsObject() && record.HasMember("library") && record["library"] == "dxgi.dll" &&
+            record.HasMember("call") && record["call"] == "IDXGIAdapter::GetDesc" && record.HasMember("description")) {
+            descriptions.emplace_back(record["description"].GetString());
+        }
+    }
+    return descriptions;
+}
+
+}  // namespace LumavenTest

@@ -1,5 +1,6 @@
 #include "Installer.h"
 
+#include "IntelState.h"
 #include "SimState.h"
 
 #include <rapidjson/prettywriter.h>
@@ -336,6 +337,7 @@ std::string Describe()
         out << "  " << Narrow(name) << ": " << (present ? "present" : "absent") << "\n";
     }
     WithState([&out](rapidjson::Document& state) {
+        out << Intel::Describe(state);
         out << "state:\n" << Pretty(state) << "\n";
         return false;
     });

@@ -1,5 +1,6 @@
 // The built LumavenService.dll as a host sees it: its export table, and the reference host
 // creating it on simulated machines.
+#include "ControlLibProof.h"
 #include "PeExports.h"
 #include "ProcessRunner.h"
 #include "SimMachine.h"
@@ -36,13 +37,18 @@ size_t CountLines(const std::string& output, const std::string& prefix)
 
 }  // namespace
 
-TEST(HostContract, ServiceExportsTheFactoryUndecorated)
+TEST(HostContract, ServiceExportsExactlyTheFactoryAndThe93ControlLibraryFunctionsUndecorated)
 {
-    const auto names = ServiceExports();
-    ASSERT_FALSE(names.empty());
-    EXPECT_NE(std::find(names.begin(), names.end(), "XeltoCreateService"), names.end());
+    std::vector<std::string> names = ServiceExports();
+    std::vector<std::string> expected = LumavenTest::ControlLibProof::EntryPointNames();
+    expected.push_back("XeltoCreateService");
+    std::sort(names.begin(), names.end());
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(names.size(), 94u);
+    EXPECT_EQ(names, expected);
+    // The library's own spelling, missing "t", is the name.
+    EXPECT_TRUE(std::binary_search(names.begin(), names.end(), "ctlGetAdaperDisplayEncoderProperties"));
     for (const std::string& name : names) {
-        EXPECT_TRUE(name == "XeltoCreateService" || name.rfind("ctl", 0) == 0) << "unexpected export " << name;
         EXPECT_EQ(name.find_first_of("?@$"), std::string::npos) << "decorated export " << name;
     }
 }

@@ -1,0 +1,411 @@
+// The simulated Intel driver, driven through the client layer as the service drives it: the
+// adapters and outputs of the profile, the panels' DPCD registers behind AUX, the DPST/OPST
+// state, injected faults, load counters, its export tables and how the installer places and
+// shows it.
+#include "ControlLibFixture.h"
+#include "ControlLibProof.h"
+#include "PeExports.h"
+#include "ProcessRunner.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <set>
+
+using namespace Xelto::Spanlet::Server::Services::Lumaven;
+using LumavenTest::ControlLibTest;
+namespace Intel = LumavenSim::Intel;
+
+namespace {
+
+// Adapter 0 has no outputs; adapter 1 has an attached panel with OPST and a detached output
+// whose panel lacks it.
+constexpr char kTwoAdapters[] = R"({"adapters":[
+    {"outputs":[]},
+    {"outputs":[
+        {"attached":true,"dpcd":{"404B":"7C84CC"},"dpstSupported":true,"opstSupported":true,"dpstEnabled":0},
+        {"attached":false,"dpstSupported":true,"opstSupported":false}]}]})";
+
+class FakeControlLib : public ControlLibTest {
+protected:
+    // Installs the machine and opens a session on it.
+    void Open(const std::string& intel = kTwoAdapters, const std::string& faults = "[]")
+    {
+        InstallIntel("ControlLib.dll", intel, faults);
+        ASSERT_EQ(Init(&m_api), CTL_RESULT_SUCCESS);
+        ASSERT_NE(m_api, nullptr);
+    }
+
+    std::vector<ctl_device_adapter_handle_t> Devices()
+    {
+        uint32_t count = 0;
+        EXPECT_EQ(ctlEnumerateDevices(m_api, &count, nullptr), CTL_RESULT_SUCCESS);
+        std::vector<ctl_device_adapter_handle_t> devices(count);
+        EXPECT_EQ(ctlEnumerateDevices(m_api, &count, devices.data()), CTL_RESULT_SUCCESS);
+        devices.resize(count);
+        return devices;
+    }
+
+    std::vector<ctl_display_output_handle_t> Outputs(ctl_device_adapter_handle_t device)
+    {
+        uint32_t count = 0;
+        EXPECT_EQ(ctlEnumerateDisplayOutputs(device, &count, nullptr), CTL_RESULT_SUCCESS);
+        std::vector<ctl_display_output_handle_t> outputs(count);
+        if (count > 0) {
+            EXPECT_EQ(ctlEnumerateDisplayOutputs(device, &count, outputs.data()), CTL_RESULT_SUCCESS);
+        }
+        outputs.resize(count);
+        return outputs;
+    }
+
+    // The attached panel's output (adapter 1, output 0) and the detached one (output 1).
+    ctl_display_output_handle_t Panel(size_t output = 0)
+    {
+        const auto outputs = Outputs(Devices().at(1));
+        return outputs.at(output);
+    }
+
+    static ctl_aux_access_args_t Aux(ctl_operation_type_t op, uint32_t address, std::vector<uint8_t> data)
+    {
+        ctl_aux_access_args_t args{};
+        args.Size = sizeof args;
+        args.OpType = op;
+        args.Flags = CTL_AUX_FLAG_NATIVE_AUX;
+        args.Address = address;
+        args.DataSize = static_cast<uint32_t>(data.size());
+        std::copy(data.begin(), data.end(), args.Data);
+        return args;
+    }
+
+    static ctl_power_optimization_settings_t Dpst(bool enable = false, uint32_t features = 0)
+    {
+        ctl_power_optimization_settings_t settings{};
+        settings.Size = sizeof settings;
+        settings.PowerOptimizationFeature = CTL_POWER_OPTIMIZATION_FLAG_DPST;
+        settings.Enable = enable;
+        settings.FeatureSpecificData.DPSTInfo.EnabledFeatures = features;
+        settings.PowerSource = CTL_POWER_SOURCE_DC;
+        return settings;
+    }
+
+    static std::string Last(const std::string& function, const char* member)
+    {
+        const auto calls = Calls(function);
+        if (calls.empty() || !calls.back().HasMember(member)) {
+            return "(none)";
+        }
+        const rapidjson::Value& value = calls.back()[member];
+        return value.IsString() ? value.GetString() : value.IsBool() ? (value.GetBool() ? "true" : "false")
+                                                                     : std::to_string(value.GetUint64());
+    }
+
+    static std::string ReadFile(const std::wstring& path)
+    {
+        std::ifstream in(path.c_str(), std::ios::binary);
+        return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    }
+
+    ctl_api_handle_t m_api = nullptr;
+};
+
+}  // namespace
+
+TEST_F(FakeControlLib, EnumerationReportsTheCountThenFillsAtMostThatMany)
+{
+    Open();
+    uint32_t count = 0;
+    ASSERT_EQ(ctlEnumerateDevices(m_api, &count, nullptr), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(count, 2u);
+    ctl_device_adapter_handle_t devices[5] = {};
+    count = 5;
+    ASSERT_EQ(ctlEnumerateDevices(m_api, &count, devices), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(count, 2u);
+    EXPECT_NE(devices[0], nullptr);
+    EXPECT_NE(devices[1], nullptr);
+    EXPECT_NE(devices[0], devices[1]);
+    EXPECT_EQ(devices[2], nullptr);
+    count = 1;
+    ctl_device_adapter_handle_t first = nullptr;
+    ASSERT_EQ(ctlEnumerateDevices(m_api, &count, &first), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(count, 1u);
+    EXPECT_EQ(first, devices[0]);
+
+    EXPECT_TRUE(Outputs(devices[0]).empty());
+    const auto outputs = Outputs(devices[1]);
+    ASSERT_EQ(outputs.size(), 2u);
+    EXPECT_NE(outputs[0], outputs[1]);
+    const auto calls = Calls("ctlEnumerateDisplayOutputs");
+    ASSERT_FALSE(calls.empty());
+    EXPECT_EQ(calls.back()["adapter"].GetUint(), 1u);
+    EXPECT_EQ(calls.back()["count"].GetUint(), 2u);
+    EXPECT_TRUE(calls.back()["filled"].GetBool());
+}
+
+TEST_F(FakeControlLib, HandlesItDidNotGiveOutAreRefused)
+{
+    Open();
+    uint32_t count = 0;
+    EXPECT_EQ(ctlEnumerateDevices(reinterpret_cast<ctl_api_handle_t>(0x1234), &count, nullptr),
+              CTL_RESULT_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(ctlEnumerateDevices(m_api, nullptr, nullptr), CTL_RESULT_ERROR_INVALID_NULL_POINTER);
+    EXPECT_EQ(ctlEnumerateDisplayOutputs(reinterpret_cast<ctl_device_adapter_handle_t>(0x1234), &count, nullptr),
+              CTL_RESULT_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(ctlEnumerateDisplayOutputs(nullptr, &count, nullptr), CTL_RESULT_ERROR_INVALID_NULL_POINTER);
+    ctl_display_properties_t properties{};
+    EXPECT_EQ(ctlGetDisplayProperties(nullptr, &properties), CTL_RESULT_ERROR_INVALID_NULL_POINTER);
+    EXPECT_EQ(ctlAUXAccess(Panel(), nullptr), CTL_RESULT_ERROR_INVALID_NULL_POINTER);
+    EXPECT_EQ(ctlClose(reinterpret_cast<ctl_api_handle_t>(0x1234)), CTL_RESULT_ERROR_INVALID_ARGUMENT);
+    EXPECT_NE(controlLibModule, nullptr);
+}
+
+TEST_F(FakeControlLib, DisplayPropertiesSayWhetherTheOutputIsAttached)
+{
+    Open();
+    ctl_display_properties_t properties{};
+    properties.Size = sizeof properties;
+    ASSERT_EQ(ctlGetDisplayProperties(Panel(0), &properties), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(properties.DisplayConfigFlags,
+              CTL_DISPLAY_CONFIG_FLAG_DISPLAY_ATTACHED | CTL_DISPLAY_CONFIG_FLAG_DISPLAY_ACTIVE);
+    properties = {};
+    ASSERT_EQ(ctlGetDisplayProperties(Panel(1), &properties), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(properties.DisplayConfigFlags, 0u);
+    const auto calls = Calls("ctlGetDisplayProperties");
+    ASSERT_EQ(calls.size(), 2u);
+    EXPECT_EQ(calls[1]["adapter"].GetUint(), 1u);
+    EXPECT_EQ(calls[1]["output"].GetUint(), 1u);
+    EXPECT_EQ(calls[1]["flags"].GetUint(), 0u);
+}
+
+TEST_F(FakeControlLib, AuxWritesAndReadsThePanelRegisters)
+{
+    Open();
+    ctl_aux_access_args_t write = Aux(CTL_OPERATION_TYPE_WRITE, 0x4056, {0x17, 0x56, 0xFE});
+    ASSERT_EQ(ctlAUXAccess(Panel(), &write), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(Intel::ReadRegisters(1, 0, 0x4056, 3), (std::vector<uint8_t>{0x17, 0x56, 0xFE}));
+    EXPECT_EQ(Intel::ReadRegisters(1, 0, 0x404B, 3), (std::vector<uint8_t>{0x7C, 0x84, 0xCC}));
+    EXPECT_EQ(Intel::ReadRegisters(1, 1, 0x4056, 3), (std::vector<uint8_t>{0, 0, 0}));
+
+    const auto writes = Calls("ctlAUXAccess");
+    ASSERT_EQ(writes.size(), 1u);
+    EXPECT_EQ(writes[0]["adapter"].GetUint(), 1u);
+    EXPECT_EQ(writes[0]["output"].GetUint(), 0u);
+    EXPECT_STREQ(writes[0]["op"].GetString(), "write");
+    EXPECT_EQ(writes[0]["address"].GetUint(), 0x4056u);
+    EXPECT_STREQ(writes[0]["data"].GetString(), "1756FE");
+    EXPECT_EQ(writes[0]["result"].GetUint(), 0u);
+
+    ctl_aux_access_args_t read = Aux(CTL_OPERATION_TYPE_READ, 0x404B, {0xEE, 0xEE, 0xEE});
+    ASSERT_EQ(ctlAUXAccess(Panel(), &read), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(read.Data[0], 0x7C);
+    EXPECT_EQ(read.Data[1], 0x84);
+    EXPECT_EQ(read.Data[2], 0xCC);
+    EXPECT_EQ(Last("ctlAUXAccess", "op"), "read");
+    EXPECT_EQ(Last("ctlAUXAccess", "data"), "7C84CC");
+
+    // Registers never written read 0.
+    ctl_aux_access_args_t unset = Aux(CTL_OPERATION_TYPE_READ, 0x4100, {0xEE, 0xEE});
+    ASSERT_EQ(ctlAUXAccess(Panel(), &unset), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(unset.Data[0], 0);
+    EXPECT_EQ(unset.Data[1], 0);
+}
+
+TEST_F(FakeControlLib, AuxRefusesWhatTheNativeChannelCannotCarry)
+{
+    Open();
+    ctl_aux_access_args_t tooLong = Aux(CTL_OPERATION_TYPE_WRITE, 0x4056, {1});
+    tooLong.DataSize = CTL_AUX_MAX_DATA_SIZE + 1;
+    EXPECT_EQ(ctlAUXAccess(Panel(), &tooLong), CTL_RESULT_ERROR_INVALID_ARGUMENT);
+    ctl_aux_access_args_t i2c = Aux(CTL_OPERATION_TYPE_WRITE, 0x4056, {1});
+    i2c.Flags = CTL_AUX_FLAG_I2C_AUX;
+    EXPECT_EQ(ctlAUXAccess(Panel(), &i2c), CTL_RESULT_ERROR_UNSUPPORTED_FEATURE);
+    ctl_aux_access_args_t unknown = Aux(static_cast<ctl_operation_type_t>(3), 0x4056, {1});
+    EXPECT_EQ(ctlAUXAccess(Panel(), &unknown), CTL_RESULT_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(Intel::ReadRegisters(1, 0, 0x4056, 1), (std::vector<uint8_t>{0}));
+}
+
+TEST_F(FakeControlLib, PowerSettingsReadAndSwitchOpst)
+{
+    Open();
+    ctl_power_optimization_caps_t caps{};
+    caps.Size = sizeof caps;
+    ASSERT_EQ(ctlGetPowerOptimizationCaps(Panel(), &caps), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(caps.SupportedFeatures, CTL_POWER_OPTIMIZATION_FLAG_DPST);
+
+    ctl_power_optimization_settings_t current = Dpst();
+    ASSERT_EQ(ctlGetPowerOptimizationSetting(Panel(), &current), CTL_RESULT_SUCCESS);
+    EXPECT_NE(current.FeatureSpecificData.DPSTInfo.SupportedFeatures & CTL_POWER_OPTIMIZATION_DPST_FLAG_OPST, 0u);
+    EXPECT_EQ(current.FeatureSpecificData.DPSTInfo.EnabledFeatures, 0u);
+    EXPECT_FALSE(current.Enable);
+
+    ctl_power_optimization_settings_t on = Dpst(true, CTL_POWER_OPTIMIZATION_DPST_FLAG_OPST);
+    ASSERT_EQ(ctlSetPowerOptimizationSetting(Panel(), &on), CTL_RESULT_SUCCESS);
+    EXPECT_TRUE(Intel::OpstEnabled(1, 0));
+    EXPECT_EQ(Last("ctlSetPowerOptimizationSetting", "opst"), "true");
+    current = Dpst();
+    ASSERT_EQ(ctlGetPowerOptimizationSetting(Panel(), &current), CTL_RESULT_SUCCESS);
+    EXPECT_TRUE(current.Enable);
+    EXPECT_EQ(current.FeatureSpecificData.DPSTInfo.EnabledFeatures, CTL_POWER_OPTIMIZATION_DPST_FLAG_OPST);
+
+    ctl_power_optimization_settings_t off = Dpst(false, CTL_POWER_OPTIMIZATION_DPST_FLAG_OPST);
+    ASSERT_EQ(ctlSetPowerOptimizationSetting(Panel(), &off), CTL_RESULT_SUCCESS);
+    EXPECT_FALSE(Intel::OpstEnabled(1, 0));
+    current = Dpst();
+    ASSERT_EQ(ctlGetPowerOptimizationSetting(Panel(), &current), CTL_RESULT_SUCCESS);
+    EXPECT_FALSE(current.Enable);
+}
+
+TEST_F(FakeControlLib, OtherDpstFeaturesStayAsTheyAreWhenOpstIsSwitched)
+{
+    Open(R"({"adapters":[{"outputs":[{"dpstEnabled":5}]}]})");
+    const auto outputs = Outputs(Devices().at(0));
+    ASSERT_EQ(outputs.size(), 1u);
+    ctl_power_optimization_settings_t current = Dpst();
+    ASSERT_EQ(ctlGetPowerOptimizationSetting(outputs[0], &current), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(current.FeatureSpecificData.DPSTInfo.EnabledFeatures, 5u);
+    ctl_power_optimization_settings_t off = Dpst(false, CTL_POWER_OPTIMIZATION_DPST_FLAG_OPST);
+    ASSERT_EQ(ctlSetPowerOptimizationSetting(outputs[0], &off), CTL_RESULT_SUCCESS);
+    current = Dpst();
+    ASSERT_EQ(ctlGetPowerOptimizationSetting(outputs[0], &current), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(current.FeatureSpecificData.DPSTInfo.EnabledFeatures, CTL_POWER_OPTIMIZATION_DPST_FLAG_BKLT);
+    EXPECT_TRUE(current.Enable);
+    EXPECT_FALSE(Intel::OpstEnabled(0, 0));
+}
+
+TEST_F(FakeControlLib, APanelWithoutOpstCannotSwitchIt)
+{
+    Open();
+    ctl_power_optimization_settings_t current = Dpst();
+    ASSERT_EQ(ctlGetPowerOptimizationSetting(Panel(1), &current), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(current.FeatureSpecificData.DPSTInfo.SupportedFeatures & CTL_POWER_OPTIMIZATION_DPST_FLAG_OPST, 0u);
+    ctl_power_optimization_settings_t on = Dpst(true, CTL_POWER_OPTIMIZATION_DPST_FLAG_OPST);
+    EXPECT_EQ(ctlSetPowerOptimizationSetting(Panel(1), &on), CTL_RESULT_ERROR_UNSUPPORTED_FEATURE);
+    EXPECT_FALSE(Intel::OpstEnabled(1, 1));
+    // Only DPST is modelled.
+    ctl_power_optimization_settings_t psr = Dpst();
+    psr.PowerOptimizationFeature = CTL_POWER_OPTIMIZATION_FLAG_PSR;
+    EXPECT_EQ(ctlGetPowerOptimizationSetting(Panel(0), &psr), CTL_RESULT_ERROR_UNSUPPORTED_FEATURE);
+}
+
+TEST_F(FakeControlLib, APanelWithoutDpstReportsNoCapability)
+{
+    Open(R"({"adapters":[{"outputs":[{"dpstSupported":false}]}]})");
+    const auto outputs = Outputs(Devices().at(0));
+    ASSERT_EQ(outputs.size(), 1u);
+    ctl_power_optimization_caps_t caps{};
+    caps.SupportedFeatures = 0xFF;
+    ASSERT_EQ(ctlGetPowerOptimizationCaps(outputs[0], &caps), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(caps.SupportedFeatures, 0u);
+    ctl_power_optimization_settings_t current = Dpst();
+    EXPECT_EQ(ctlGetPowerOptimizationSetting(outputs[0], &current), CTL_RESULT_ERROR_UNSUPPORTED_FEATURE);
+}
+
+TEST_F(FakeControlLib, AFaultOnTheNthCallFailsThatCallAlone)
+{
+    Open(kTwoAdapters, R"([{"function":"ctlAUXAccess","code":1073741845,"nth":2}])");
+    ctl_aux_access_args_t first = Aux(CTL_OPERATION_TYPE_WRITE, 0x4027, {0xC0});
+    ctl_aux_access_args_t second = Aux(CTL_OPERATION_TYPE_WRITE, 0x4028, {0xC1});
+    ctl_aux_access_args_t third = Aux(CTL_OPERATION_TYPE_WRITE, 0x4029, {0xC2});
+    EXPECT_EQ(ctlAUXAccess(Panel(), &first), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(ctlAUXAccess(Panel(), &second), CTL_RESULT_ERROR_NOT_IMPLEMENTED);
+    EXPECT_EQ(ctlAUXAccess(Panel(), &third), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(Intel::ReadRegisters(1, 0, 0x4027, 3), (std::vector<uint8_t>{0xC0, 0x00, 0xC2}));
+    const auto calls = Calls("ctlAUXAccess");
+    ASSERT_EQ(calls.size(), 3u);
+    EXPECT_EQ(calls[1]["result"].GetUint(), 0x40000015u);
+    EXPECT_EQ(calls[1]["adapter"].GetUint(), 1u);
+}
+
+TEST_F(FakeControlLib, AFaultOnEveryCallFailsEachOneWithoutTouchingTheRecord)
+{
+    Open(kTwoAdapters, R"([{"function":"ctlGetDisplayProperties","code":1073741835}])");
+    for (int i = 0; i < 2; ++i) {
+        ctl_display_properties_t properties{};
+        properties.DisplayConfigFlags = 0xAB;
+        EXPECT_EQ(ctlGetDisplayProperties(Panel(), &properties), CTL_RESULT_ERROR_INVALID_ARGUMENT);
+        EXPECT_EQ(properties.DisplayConfigFlags, 0xABu);
+    }
+    EXPECT_EQ(Calls("ctlGetDisplayProperties").size(), 2u);
+}
+
+TEST_F(FakeControlLib, OtherEntryPointsAnswerTheProfilesCodeOrNotImplemented)
+{
+    Open(R"({"adapters":[],"results":{"ctlFanGetState":0}})");
+    int32_t speed = -1;
+    const auto fan = reinterpret_cast<ctl_fan_handle_t>(0x7F00);
+    EXPECT_EQ(ctlFanGetState(fan, CTL_FAN_SPEED_UNITS_PERCENT, &speed), CTL_RESULT_SUCCESS);
+    const auto calls = Calls("ctlFanGetState");
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_EQ(calls[0]["args"][0].GetUint64(), 0x7F00u);
+    EXPECT_EQ(calls[0]["args"][1].GetUint(), 1u);
+    EXPECT_EQ(calls[0]["args"][2].GetUint64(), Address(&speed));
+    EXPECT_EQ(ctlOverclockWaiverSet(nullptr), CTL_RESULT_ERROR_NOT_IMPLEMENTED);
+}
+
+TEST_F(FakeControlLib, LoadsAndUnloadsAreCounted)
+{
+    InstallIntel("ControlLib.dll", kTwoAdapters);
+    for (int i = 0; i < 2; ++i) {
+        ctl_api_handle_t api = nullptr;
+        ASSERT_EQ(Init(&api), CTL_RESULT_SUCCESS);
+        ASSERT_EQ(ctlClose(api), CTL_RESULT_SUCCESS);
+    }
+    EXPECT_EQ(Intel::Counter("loads"), 2);
+    EXPECT_EQ(Intel::Counter("unloads"), 2);
+}
+
+TEST_F(FakeControlLib, EachVariantExportsTheTableLessWhatItLeavesOut)
+{
+    namespace Proof = LumavenTest::ControlLibProof;
+    const auto sorted = [](std::vector<std::string> names) {
+        std::sort(names.begin(), names.end());
+        return names;
+    };
+    const std::vector<std::string> all = sorted(Proof::EntryPointNames());
+    ASSERT_EQ(all.size(), 93u);
+    EXPECT_EQ(sorted(LumavenTest::ExportedNames(SimDll(L"ControlLib.dll"))), all);
+    EXPECT_EQ(LumavenTest::ExportedNames(SimDll(L"ControlLib-initonly.dll")), std::vector<std::string>{"ctlInit"});
+    std::vector<std::string> withoutInit = all;
+    withoutInit.erase(std::find(withoutInit.begin(), withoutInit.end(), "ctlInit"));
+    EXPECT_EQ(sorted(LumavenTest::ExportedNames(SimDll(L"ControlLib-noinit.dll"))), withoutInit);
+}
+
+TEST_F(FakeControlLib, InstallerPlacesTheChosenVariantInSystem32OrRemovesIt)
+{
+    InstallIntel("ControlLib-noinit.dll");
+    const std::string installed = ReadFile(System32Dll(L"ControlLib.dll"));
+    EXPECT_FALSE(installed.empty());
+    EXPECT_EQ(installed, ReadFile(SimDll(L"ControlLib-noinit.dll")));
+    InstallIntel("");
+    EXPECT_EQ(GetFileAttributesW(System32Dll(L"ControlLib.dll").c_str()), INVALID_FILE_ATTRIBUTES);
+}
+
+TEST_F(FakeControlLib, ShowPrintsPanelRegistersOpstStateAndTheLog)
+{
+    Open();
+    ctl_aux_access_args_t write = Aux(CTL_OPERATION_TYPE_WRITE, 0x4056, {0x17, 0x56, 0xF0});
+    ASSERT_EQ(ctlAUXAccess(Panel(), &write), CTL_RESULT_SUCCESS);
+    ctl_power_optimization_settings_t on = Dpst(true, CTL_POWER_OPTIMIZATION_DPST_FLAG_OPST);
+    ASSERT_EQ(ctlSetPowerOptimizationSetting(Panel(), &on), CTL_RESULT_SUCCESS);
+    ASSERT_EQ(ctlClose(m_api), CTL_RESULT_SUCCESS);
+
+    auto shown = LumavenTest::RunProgram(L"lumaven-sim.exe show");
+    EXPECT_EQ(shown.exitCode, 0u) << shown.output;
+    // The console's line ends do not matter here.
+    shown.output.erase(std::remove(shown.output.begin(), shown.output.end(), '\r'), shown.output.end());
+    EXPECT_NE(shown.output.find("intel driver: loaded 1 times, unloaded 1 times"), std::string::npos) << shown.output;
+    EXPECT_NE(shown.output.find("  adapter 1: 2 display outputs"), std::string::npos) << shown.output;
+    EXPECT_NE(shown.output.find("    output 0: attached, active; DPST supported, OPST supported, OPST on"),
+              std::string::npos)
+        << shown.output;
+    EXPECT_NE(shown.output.find("      DPCD 404B: 7C84CC\n"), std::string::npos) << shown.output;
+    EXPECT_NE(shown.output.find("      DPCD 4056: 1756F0\n"), std::string::npos) << shown.output;
+    EXPECT_NE(shown.output.find("    output 1: not attached; DPST supported, OPST not supported, OPST off"),
+              std::string::npos)
+        << shown.output;
+    EXPECT_NE(shown.output.find(R"({"lib":"ControlLib","fn":"ctlAUXAccess","adapter":1,"output":0,"op":"write",)"
+                                R"("flags":1,"address":16470,"size":3,"data":"1756F0",)"),
+              std::string::npos)
+        << shown.output;
+}

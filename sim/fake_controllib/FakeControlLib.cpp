@@ -80,14 +80,14 @@ std::string Utf8(const wchar_t* text)
     return narrow;
 }
 
-// One call's transaction record: {"lib", "fn", indices and what the call did, "args", "result"}.
+// One call's transaction record: {"lib", "call", indices and what the call did, "args", "result"}.
 class Call {
 public:
     explicit Call(const char* function) : m_function(function)
     {
         m_record.SetObject();
         Add("lib", "ControlLib");
-        Add("fn", function);
+        Add("call", function);
     }
 
     const char* Function() const { return m_function; }

@@ -105,7 +105,7 @@ HRESULT Record(const char* call, HRESULT result, Texts texts = {}, std::optional
 {
     rapidjson::Document record(rapidjson::kObjectType);
     auto& allocator = record.GetAllocator();
-    record.AddMember("library", "dxgi.dll", allocator);
+    record.AddMember("lib", "dxgi.dll", allocator);
     record.AddMember("call", rapidjson::Value(call, allocator), allocator);
     for (const auto& [key, text] : texts) {
         record.AddMember(rapidjson::StringRef(key), rapidjson::Value(text.c_str(), allocator), allocator);

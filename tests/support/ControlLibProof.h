@@ -138,9 +138,9 @@ void Prove(const std::string& name, ctl_result_t(CTL_APICALL* function)(Args...)
     const std::vector<rapidjson::Document> records = LumavenTest::Transactions();
     ASSERT_EQ(records.size(), 1u) << name << ": the simulated driver should have seen exactly this call";
     const rapidjson::Document& record = records[0];
-    ASSERT_TRUE(record.IsObject() && record.HasMember("fn") && record.HasMember("args") && record.HasMember("result"))
+    ASSERT_TRUE(record.IsObject() && record.HasMember("call") && record.HasMember("args") && record.HasMember("result"))
         << name;
-    EXPECT_EQ(std::string(record["fn"].GetString()), name);
+    EXPECT_EQ(std::string(record["call"].GetString()), name);
     EXPECT_EQ(record["result"].GetUint(), DriverResult(index)) << name;
     ASSERT_TRUE(record["args"].IsArray()) << name;
     ASSERT_EQ(record["args"].Size(), sizeof...(Args)) << name;

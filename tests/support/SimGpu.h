@@ -25,7 +25,7 @@ inline std::vector<std::string> DescribedAdapters()
 {
     std::vector<std::string> descriptions;
     for (const auto& record : Transactions()) {
-        if (record.IsObject() && record.HasMember("library") && record["library"] == "dxgi.dll" &&
+        if (record.IsObject() && record.HasMember("lib") && record["lib"] == "dxgi.dll" &&
             record.HasMember("call") && record["call"] == "IDXGIAdapter::GetDesc" && record.HasMember("description")) {
             descriptions.emplace_back(record["description"].GetString());
         }

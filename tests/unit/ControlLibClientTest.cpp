@@ -107,10 +107,10 @@ TEST_F(ControlLibClient, RuntimePathSkipsTheVersionCheckAndLoadsTheNamedLibrary)
     // The library is told the runtime path (the caller's record itself) before its ctlInit.
     const auto records = LumavenTest::Transactions();
     ASSERT_EQ(records.size(), 2u);
-    EXPECT_STREQ(records[0]["fn"].GetString(), "ctlSetRuntimePath");
+    EXPECT_STREQ(records[0]["call"].GetString(), "ctlSetRuntimePath");
     EXPECT_EQ(records[0]["args"][0].GetUint64(), Address(&runtime));
     EXPECT_EQ(std::string(records[0]["path"].GetString()), std::string(path.begin(), path.end()));
-    EXPECT_STREQ(records[1]["fn"].GetString(), "ctlInit");
+    EXPECT_STREQ(records[1]["call"].GetString(), "ctlInit");
     EXPECT_EQ(records[1]["appVersion"].GetUint(), 0x00020000u);
 
     EXPECT_EQ(ctlClose(api), CTL_RESULT_SUCCESS);

@@ -85,8 +85,8 @@ protected:
     {
         std::vector<rapidjson::Document> calls;
         for (rapidjson::Document& record : Transactions()) {
-            if (record.IsObject() && record.HasMember("fn") && record["fn"].IsString() &&
-                function == record["fn"].GetString()) {
+            if (record.IsObject() && record.HasMember("call") && record["call"].IsString() &&
+                function == record["call"].GetString()) {
                 calls.push_back(std::move(record));
             }
         }

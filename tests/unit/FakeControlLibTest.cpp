@@ -404,7 +404,7 @@ TEST_F(FakeControlLib, ShowPrintsPanelRegistersOpstStateAndTheLog)
     EXPECT_NE(shown.output.find("    output 1: not attached; DPST supported, OPST not supported, OPST off"),
               std::string::npos)
         << shown.output;
-    EXPECT_NE(shown.output.find(R"({"lib":"ControlLib","fn":"ctlAUXAccess","adapter":1,"output":0,"op":"write",)"
+    EXPECT_NE(shown.output.find(R"({"lib":"ControlLib","call":"ctlAUXAccess","adapter":1,"output":0,"op":"write",)"
                                 R"("flags":1,"address":16470,"size":3,"data":"1756F0",)"),
               std::string::npos)
         << shown.output;

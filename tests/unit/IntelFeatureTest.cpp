@@ -1,0 +1,371 @@
+// Commands 1, 2, 3, 5, 6 and 8 on simulated Intel laptops: what reaches the panel is read from
+// the fake driver's registers and transaction log, what is stored from the registry.
+#include "ControlLibFixture.h"
+#include "LogCapture.h"
+#include "Registry.h"
+#include "ServiceCall.h"
+
+#include "intel/IntelSession.h"
+#include "service/LumavenService.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace Xelto::Spanlet::Server::Services::Lumaven;
+using LumavenTest::Call;
+using LumavenTest::LogCapture;
+namespace Intel = LumavenSim::Intel;
+
+namespace {
+
+constexpr const char* kPanel4174 = "4C837441";
+constexpr const char* kPanel4160 = "4C836041";
+
+const char kOpstOutput[] =
+    R"({"attached":true,"dpstSupported":true,"opstSupported":true,"dpstEnabled":0})";
+const char kNoOpstOutput[] =
+    R"({"attached":true,"dpstSupported":true,"opstSupported":false,"dpstEnabled":0})";
+const char kDetachedOutput[] = R"({"attached":false,"dpstSupported":true,"opstSupported":true})";
+
+std::string Adapters(const std::vector<std::vector<std::string>>& adapters)
+{
+    std::string json = R"({"adapters":[)";
+    for (size_t a = 0; a < adapters.size(); ++a) {
+        json += (a ? "," : "") + std::string(R"({"outputs":[)");
+        for (size_t o = 0; o < adapters[a].size(); ++o) {
+            json += (o ? "," : "") + adapters[a][o];
+        }
+        json += "]}";
+    }
+    return json + "]}";
+}
+
+class IntelFeature : public LumavenTest::ControlLibTest {
+protected:
+    // An Intel laptop with this panel, these adapters and faults; the service started on it.
+    void Machine(const std::string& panel, const std::string& intel, const std::string& faults = "[]",
+                 const std::string& library = "ControlLib.dll")
+    {
+        const std::string libraries =
+            library.empty() ? R"({"dxgi.dll":"dxgi.dll"})"
+                            : R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":")" + library + R"("})";
+        LumavenTest::InstallProfile(R"({"monitors":[{"panel":")" + panel +
+                                    R"("}],"gpuName":"Intel(R) Iris(R) Xe Graphics","libraries":)" + libraries +
+                                    R"(,"intel":)" + intel + R"(,"faults":)" + faults + "}");
+        m_service = std::make_unique<LumavenService>();
+        m_service->startup_task();
+        ASSERT_EQ(m_service->m_videoController, kVendorIntel);
+        LumavenSim::ClearTransactions();
+    }
+
+    LumavenTest::CallResult Run(uint32_t command, const wchar_t* request = L"{}")
+    {
+        return Call(*m_service, command, request);
+    }
+
+    static size_t CallCount(const std::string& function) { return Calls(function).size(); }
+
+    std::unique_ptr<LumavenService> m_service;
+};
+
+}  // namespace
+
+TEST_F(IntelFeature, EdOnAndOffWriteThePanelAndRecordTheState)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}}));
+    LumavenTest::SetOledDword(0);
+    auto result = Run(5);
+    EXPECT_EQ(result.status, StatusSuccess);
+    EXPECT_EQ(result.response, L"{\"result\":true}");
+    EXPECT_EQ(Intel::ReadRegisters(0, 0, 0x4027, 1), std::vector<uint8_t>{0xC0});
+    EXPECT_EQ(LumavenTest::OledDword(), 1u);
+    result = Run(6);
+    EXPECT_EQ(result.response, L"{\"result\":true}");
+    EXPECT_EQ(Intel::ReadRegisters(0, 0, 0x4027, 1), std::vector<uint8_t>{0x00});
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(IntelFeature, EveryCommandLoadsAndUnloadsTheLibraryOnce)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}}));
+    const int64_t loads = Intel::Counter("loads");
+    const int64_t unloads = Intel::Counter("unloads");
+    for (const uint32_t command : {1u, 2u, 3u, 5u, 6u, 8u}) {
+        Run(command);
+    }
+    EXPECT_EQ(Intel::Counter("loads") - loads, 6);
+    EXPECT_EQ(Intel::Counter("unloads") - unloads, 6);
+    EXPECT_EQ(controlLibModule, nullptr);
+}
+
+TEST_F(IntelFeature, SecondAdapterIsUsedWhenTheFirstHasNoOutputs)
+{
+    Machine(kPanel4174, Adapters({{}, {kOpstOutput}}));
+    EXPECT_EQ(Run(5).response, L"{\"result\":true}");
+    EXPECT_EQ(Intel::ReadRegisters(1, 0, 0x4027, 1), std::vector<uint8_t>{0xC0});
+    for (const auto& write : Calls("ctlAUXAccess")) {
+        EXPECT_EQ(write["adapter"].GetInt(), 1);
+    }
+}
+
+TEST_F(IntelFeature, FailedOutputEnumerationIsLoggedOnceAndTheNextAdapterUsed)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}, {kOpstOutput}}),
+            R"([{"function":"ctlEnumerateDisplayOutputs","code":1073741835,"nth":1}])");
+    LogCapture capture;
+    const auto result = Run(1);
+    EXPECT_EQ(result.status, StatusSuccess);
+    EXPECT_EQ(capture.Count(L"ctlEnumerateDisplayOutputs returned failure code: 0x4000000B\n"), 1u);
+    const auto probes = Calls("ctlGetPowerOptimizationCaps");
+    ASSERT_EQ(probes.size(), 1u);
+    EXPECT_EQ(probes[0]["adapter"].GetInt(), 1);
+}
+
+TEST_F(IntelFeature, ModesOutsideTheTableDoNothing)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}}));
+    ctl_display_output_handle_t displays[1] = {nullptr};
+    for (const uint32_t mode : {0u, 4u, 7u, 9u}) {
+        ctl_result_t status = static_cast<ctl_result_t>(0x1234);
+        EXPECT_EQ(ApplyToTargetDisplays(displays, 1, status, mode), 0) << mode;
+        EXPECT_EQ(status, CTL_RESULT_SUCCESS) << mode;
+    }
+    EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
+}
+
+TEST_F(IntelFeature, FailingInitStillClosesAndAnswersDeviceError)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}}), R"([{"function":"ctlInit","code":1073741825}])");
+    LumavenTest::SetOledDword(7);
+    for (const uint32_t command : {1u, 2u, 3u, 5u, 6u, 8u}) {
+        LumavenSim::ClearTransactions();
+        const auto result = Run(command);
+        EXPECT_EQ(result.status, StatusDeviceError) << command;
+        EXPECT_EQ(result.response, L"{}") << command;
+        const auto closes = Calls("ctlClose");
+        ASSERT_EQ(closes.size(), 1u) << command;
+        EXPECT_EQ(closes[0]["args"][0].GetUint64(), 0u) << "ctlClose gets the handle ctlInit left: none";
+    }
+    // DisableEd records off before it touches the library; nothing else wrote.
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(IntelFeature, WithoutTheLibraryEveryCommandIsADeviceErrorAndWritesNothing)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}}), "[]", "");
+    LumavenTest::SetOledDword(7);
+    for (const uint32_t command : {1u, 2u, 3u, 5u, 8u}) {
+        const auto result = Run(command);
+        EXPECT_EQ(result.status, StatusDeviceError) << command;
+        EXPECT_EQ(result.response, L"{}") << command;
+    }
+    EXPECT_EQ(LumavenTest::OledDword(), 7u);
+}
+
+TEST_F(IntelFeature, UnsupportedPanelWritesNothing)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}}));
+    LumavenTest::InstallProfile(std::string(R"({"monitors":[{"panel":"10ACF540"}],"libraries":{"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"},"intel":)") +
+                                Adapters({{kOpstOutput}}) + "}");
+    LumavenTest::SetOledDword(0);
+    LogCapture capture;
+    const auto result = Run(5);
+    EXPECT_EQ(result.status, StatusSuccess);
+    EXPECT_EQ(result.response, L"{\"result\":false}");
+    EXPECT_EQ(capture.Count(L"Can't find the Pid Vid"), 1u);
+    EXPECT_EQ(CallCount("ctlAUXAccess"), 0u);
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(IntelFeature, SecondOfFourWritesFailingStopsTheSequence)
+{
+    Machine(kPanel4160, Adapters({{kOpstOutput}}), R"([{"function":"ctlAUXAccess","code":1073741835,"nth":2}])");
+    LumavenTest::SetOledDword(0);
+    LogCapture capture;
+    const auto result = Run(5);
+    EXPECT_EQ(result.response, L"{\"result\":false}");
+    const auto writes = Calls("ctlAUXAccess");
+    ASSERT_EQ(writes.size(), 2u);
+    EXPECT_EQ(writes[0]["address"].GetUint(), 0x404Bu);
+    EXPECT_EQ(Intel::ReadRegisters(0, 0, 0x404B, 3), (std::vector<uint8_t>{0x7C, 0x84, 0xCC}));
+    EXPECT_EQ(Intel::ReadRegisters(0, 0, 0x4056, 3), (std::vector<uint8_t>{0, 0, 0}));
+    const auto texts = capture.Texts();
+    auto line = [&](const std::wstring& prefix) {
+        return std::find_if(texts.begin(), texts.end(), [&](const std::wstring& t) { return t.rfind(prefix, 0) == 0; });
+    };
+    const auto writeLine = line(L"ctlAUXAccess for Native Aux DPCD WRITE returned failure code: 0x");
+    const auto failedLine = line(L"Write Aux data failed: ");
+    ASSERT_NE(writeLine, texts.end());
+    ASSERT_NE(failedLine, texts.end());
+    EXPECT_LT(writeLine, failedLine);
+    EXPECT_EQ(writeLine->back(), L'\n');
+    // The two lines name where the status word lives, not the failing code.
+    EXPECT_EQ(writeLine->find(L"4000000B"), std::wstring::npos);
+    EXPECT_EQ(capture.Count(L"EnumerateTargetDisplays returned failure code: 0x4000000B\n"), 1u);
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(IntelFeature, ReadBackThatDiffersFailsTheVerification)
+{
+    // The read answers success without data: the first byte comes back 00 instead of C0.
+    Machine(kPanel4174, Adapters({{kOpstOutput}}), R"([{"function":"ctlAUXAccess","code":0,"nth":2}])");
+    LumavenTest::SetOledDword(0);
+    LogCapture capture;
+    const auto result = Run(5);
+    EXPECT_EQ(result.response, L"{\"result\":false}");
+    EXPECT_EQ(Intel::ReadRegisters(0, 0, 0x4027, 1), std::vector<uint8_t>{0xC0});
+    const auto texts = capture.Texts();
+    EXPECT_EQ(std::count_if(texts.begin(), texts.end(),
+                            [](const std::wstring& t) { return t.rfind(L"Verify Aux data failed: ", 0) == 0; }),
+              1);
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(IntelFeature, OffSequenceOfPanel4160IsFourWritesAndOneRead)
+{
+    Machine(kPanel4160, Adapters({{kOpstOutput}}));
+    EXPECT_EQ(Run(6).response, L"{\"result\":true}");
+    const auto calls = Calls("ctlAUXAccess");
+    ASSERT_EQ(calls.size(), 5u);
+    const std::vector<std::pair<uint32_t, std::string>> expected = {
+        {0x404B, "7C84CC"}, {0x4056, "1756F0"}, {0x404E, "0C0003"}, {0x4054, "02"}};
+    for (size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_STREQ(calls[i]["op"].GetString(), "write");
+        EXPECT_EQ(calls[i]["address"].GetUint(), expected[i].first);
+        EXPECT_EQ(calls[i]["data"].GetString(), expected[i].second);
+        EXPECT_EQ(calls[i]["flags"].GetUint(), 1u);
+    }
+    EXPECT_STREQ(calls[4]["op"].GetString(), "read");
+    EXPECT_EQ(calls[4]["address"].GetUint(), 0x404Bu);
+    EXPECT_EQ(calls[4]["size"].GetUint(), 3u);
+    EXPECT_STREQ(calls[4]["data"].GetString(), "7C84CC");
+}
+
+TEST_F(IntelFeature, OpstBesideAnotherDpstFeatureReadsAsOff)
+{
+    Machine(kPanel4174, Adapters({{R"({"attached":true,"opstSupported":true,"dpstFeatures":1,"dpstEnabled":5})"}}));
+    LumavenTest::SetOledDword(1);
+    const auto result = Run(1);
+    EXPECT_EQ(result.status, StatusSuccess);
+    EXPECT_EQ(result.response, L"{\"result\":false}");
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(IntelFeature, GetOpstReadsOpstAloneAsOnAndRecordsIt)
+{
+    Machine(kPanel4174, Adapters({{R"({"attached":true,"opstSupported":true,"dpstEnabled":4})"}}));
+    LumavenTest::SetOledDword(0);
+    EXPECT_EQ(Run(1).response, L"{\"result\":true}");
+    EXPECT_EQ(LumavenTest::OledDword(), 1u);
+}
+
+TEST_F(IntelFeature, EnableAndDisableOpstSwitchThePanelAndRecordIt)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}}));
+    LumavenTest::SetOledDword(0);
+    EXPECT_EQ(Run(2).response, L"{\"result\":true}");
+    EXPECT_TRUE(Intel::OpstEnabled(0, 0));
+    EXPECT_EQ(LumavenTest::OledDword(), 1u);
+    EXPECT_EQ(Run(3).response, L"{\"result\":true}");
+    EXPECT_FALSE(Intel::OpstEnabled(0, 0));
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(IntelFeature, EnableOpstWithoutSupportAnswersFalseAndLeavesTheSetting)
+{
+    Machine(kPanel4174, Adapters({{kNoOpstOutput}}));
+    LumavenTest::SetOledDword(0);
+    LogCapture capture;
+    const auto result = Run(2);
+    EXPECT_EQ(result.status, StatusSuccess);
+    EXPECT_EQ(result.response, L"{\"result\":false}");
+    EXPECT_EQ(capture.Count(L"OPST is not supported"), 1u);
+    EXPECT_EQ(capture.Count(L"EnumerateTargetDisplays returned failure code: 0x4000000A\n"), 1u);
+    EXPECT_EQ(CallCount("ctlSetPowerOptimizationSetting"), 0u);
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(IntelFeature, FailedSetWithAGoodReadBackAnswersThePanelState)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}}),
+            R"([{"function":"ctlSetPowerOptimizationSetting","code":1073741835}])");
+    LogCapture capture;
+    const auto result = Run(2);
+    EXPECT_EQ(result.status, StatusSuccess);
+    EXPECT_EQ(result.response, L"{\"result\":false}");
+    EXPECT_EQ(capture.Count(L"EnumerateTargetDisplays returned failure code: 0x4000000B\n"), 0u);
+}
+
+TEST_F(IntelFeature, SupportQueryOnADetachedOutputDoesNotProbe)
+{
+    Machine(kPanel4174, Adapters({{kDetachedOutput}}));
+    const auto result = Run(8);
+    EXPECT_EQ(result.status, StatusSuccess);
+    EXPECT_EQ(result.response, L"{\"result\":false}");
+    EXPECT_EQ(CallCount("ctlGetPowerOptimizationCaps"), 0u);
+    EXPECT_EQ(CallCount("ctlGetDisplayProperties"), 1u);
+}
+
+TEST_F(IntelFeature, FirstDisplayWithOpstDecidesAndTheStatusEndsZero)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput, kNoOpstOutput}}));
+    LogCapture capture;
+    const auto result = Run(8);
+    EXPECT_EQ(result.response, L"{\"result\":true}");
+    EXPECT_EQ(capture.Count(L"OPST is supported"), 1u);
+    EXPECT_EQ(capture.Count(L"OPST is not supported"), 1u);
+    for (const auto& text : capture.Texts()) {
+        EXPECT_EQ(text.rfind(L"EnumerateTargetDisplays returned failure code", 0), std::wstring::npos) << text;
+    }
+}
+
+TEST_F(IntelFeature, NoAttachedOutputAnswersFalse)
+{
+    Machine(kPanel4174, Adapters({{kDetachedOutput}}));
+    LumavenTest::SetOledDword(1);
+    EXPECT_EQ(Run(5).response, L"{\"result\":false}");
+    EXPECT_EQ(LumavenTest::OledDword(), 1u);
+    const auto off = Run(6);
+    EXPECT_EQ(off.status, StatusSuccess);
+    EXPECT_EQ(off.response, L"{\"result\":false}");
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+    EXPECT_EQ(CallCount("ctlAUXAccess"), 0u);
+}
+
+TEST_F(IntelFeature, CommandsThatShareTheLockNeverInterleaveTheirSessions)
+{
+    Machine(kPanel4160, Adapters({{kOpstOutput}}));
+    constexpr int kPerThread = 15;
+    std::vector<std::thread> threads;
+    for (const uint32_t command : {5u, 6u, 1u}) {
+        threads.emplace_back([this, command] {
+            for (int i = 0; i < kPerThread; ++i) {
+                Run(command);
+            }
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    // Every session is ctlInit ... ctlClose with nothing of another session in between.
+    int open = 0;
+    int sessions = 0;
+    for (const auto& record : LumavenTest::Transactions()) {
+        const std::string fn = record.HasMember("call") ? record["call"].GetString() : "";
+        if (fn == "ctlInit") {
+            EXPECT_EQ(open, 0) << "a session started inside another";
+            ++open;
+            ++sessions;
+        } else if (fn == "ctlClose") {
+            EXPECT_EQ(open, 1);
+            --open;
+        } else {
+            EXPECT_EQ(open, 1) << fn << " outside a session";
+        }
+    }
+    EXPECT_EQ(sessions, 3 * kPerThread);
+}

@@ -47,23 +47,23 @@ struct CommandEntry {
     CommandLock lock;
 };
 
-// Index = command number. A handler that is not part of this build leaves its slot empty.
+// Index = command number, with the lock the dispatcher holds around the handler.
 constexpr std::array<CommandEntry, 15> kCommands = {{
-    {nullptr, CommandLock::None},                  // 0: not a command
-    {nullptr, CommandLock::Main},                  // 1 _GetOpst
-    {nullptr, CommandLock::Main},                  // 2 EnableOpst
-    {nullptr, CommandLock::Main},                  // 3 DisableOpst
+    {nullptr, CommandLock::None},                                            // 0: not a command
+    {&Invoke<&LumavenService::_GetOpst>, CommandLock::Main},                 // 1
+    {&Invoke<&LumavenService::EnableOpst>, CommandLock::Main},               // 2
+    {&Invoke<&LumavenService::DisableOpst>, CommandLock::Main},              // 3
     {&Invoke<&LumavenService::GetIfSystemSupportsOled>, CommandLock::None},  // 4
-    {nullptr, CommandLock::Main},                  // 5 EnableEd
-    {nullptr, CommandLock::Main},                  // 6 DisableEd
-    {&Invoke<&LumavenService::GetOledFromRegistry>, CommandLock::None},  // 7
-    {nullptr, CommandLock::Main},                  // 8 _GetIfSystemSupportsOpst
-    {&InvokeElpSetter, CommandLock::None},         // 9 SetIntelElp / SetAmdElp
-    {nullptr, CommandLock::Main},                  // 10 _GetIfOLEDSupport
-    {nullptr, CommandLock::None},                  // 11 _SetOLEDPowerSaveON
-    {nullptr, CommandLock::None},                  // 12 _SetOLEDPowerSaveOFF
-    {&Invoke<&LumavenService::_GetIfVaribrightSupport>, CommandLock::Adlx},  // 13 _GetIfVaribrightSupport
-    {&Invoke<&LumavenService::_SetVaribright>, CommandLock::Adlx},           // 14 _SetVaribright
+    {&Invoke<&LumavenService::EnableEd>, CommandLock::Main},                 // 5
+    {&Invoke<&LumavenService::DisableEd>, CommandLock::Main},                // 6
+    {&Invoke<&LumavenService::GetOledFromRegistry>, CommandLock::None},      // 7
+    {&Invoke<&LumavenService::_GetIfSystemSupportsOpst>, CommandLock::Main}, // 8
+    {&InvokeElpSetter, CommandLock::None},                                   // 9: each setter locks
+    {&Invoke<&LumavenService::_GetIfOLEDSupport>, CommandLock::Main},        // 10
+    {&InvokeWithExtra<&LumavenService::_SetOLEDPowerSaveON>, CommandLock::None},   // 11: locks by vendor
+    {&InvokeWithExtra<&LumavenService::_SetOLEDPowerSaveOFF>, CommandLock::None},  // 12: locks by vendor
+    {&Invoke<&LumavenService::_GetIfVaribrightSupport>, CommandLock::Adlx},  // 13
+    {&Invoke<&LumavenService::_SetVaribright>, CommandLock::Adlx},           // 14
 }};
 
 const CommandEntry* FindCommand(uint32_t command)

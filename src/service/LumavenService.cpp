@@ -26,6 +26,10 @@ LumavenService::LumavenService()
 LumavenService::~LumavenService()
 {
     if (m_auxData) {
+        // The Intel path's view must not outlive the table.
+        if (g_auxData == m_auxData.get()) {
+            g_auxData = nullptr;
+        }
         m_auxData->clear();
         m_auxData.reset();
     }

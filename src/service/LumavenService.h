@@ -37,6 +37,7 @@ public:
     uint32_t ReleaseString(wchar_t*** holder) override;
     uint32_t ExecuteCommand(CallContext* context, uint32_t command, const wchar_t* message, wchar_t** outString,
                             CommandCallback callback, uint64_t extra) override;
+    void startup_task() override;
     uint32_t oled_power_event_task(void* reserved, const POWERBROADCAST_SETTING* eventData) override;
 
     // Command handlers, by command number.
@@ -61,6 +62,8 @@ public:
 
     // The display-power event handler behind oled_power_event_task.
     uint32_t OledEventCalled(const POWERBROADCAST_SETTING* eventData);
+    // Writes the panel's "on" sequence again through the vendor's path, after a short wait.
+    void ReapplyPanelState();
 
     // The members are shared by handlers that live in the files of their subsystems.
     TraceLogger* m_logger = nullptr;

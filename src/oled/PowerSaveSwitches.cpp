@@ -1,0 +1,67 @@
+#include "amd/ADLXHelper.h"
+#include "service/LumavenService.h"
+
+#include <mutex>
+
+namespace Xelto::Spanlet::Server::Services::Lumaven {
+
+namespace {
+
+// Switching on also selects the battery-first VariBright level, through a fresh interface.
+void SelectMaximizeBattery()
+{
+    adlx::IADLXDisplayVariBright* variBright = nullptr;
+    if (GetVariBright(&variBright) < 3 && variBright != nullptr) {
+        variBright->SetMaximizeBattery();
+    }
+}
+
+}  // namespace
+
+// The one-step switches compose the finer commands. On AMD they hold m_adlxMutex while
+// SetAmdElp takes m_mutex: the opposite order of command 10, kept as the host contract has it.
+
+uint32_t LumavenService::_SetOLEDPowerSaveON(Document* request, Document* response, uint64_t contextWord,
+                                             uint64_t extra)
+{
+    return RunHandler(Handler::SetOLEDPowerSaveON, request, response, contextWord, [&] {
+        if (m_videoController == kVendorIntel) {
+            const std::lock_guard lock(m_mutex);
+            if (EnableOpst(request, response, contextWord) == StatusSuccess) {
+                EnableEd(request, response, contextWord);
+            }
+        } else if (m_videoController == kVendorAmd) {
+            const std::lock_guard lock(m_adlxMutex);
+            InitializeAdlxDisplay();
+            if (SetVaribrightEnabled(true)) {
+                SelectMaximizeBattery();
+            }
+            // This path reports no "result" of its own; SetAmdElp adds one.
+            ResetToBValue(*request, true);
+            SetAmdElp(request, response, contextWord, extra);
+        }
+        return StatusSuccess;
+    });
+}
+
+uint32_t LumavenService::_SetOLEDPowerSaveOFF(Document* request, Document* response, uint64_t contextWord,
+                                              uint64_t extra)
+{
+    return RunHandler(Handler::SetOLEDPowerSaveOFF, request, response, contextWord, [&] {
+        if (m_videoController == kVendorIntel) {
+            const std::lock_guard lock(m_mutex);
+            if (DisableOpst(request, response, contextWord) == StatusSuccess) {
+                DisableEd(request, response, contextWord);
+            }
+        } else if (m_videoController == kVendorAmd) {
+            const std::lock_guard lock(m_adlxMutex);
+            InitializeAdlxDisplay();
+            AddBool(*response, L"result", SetVaribrightEnabled(false));
+            ResetToBValue(*request, false);
+            SetAmdElp(request, response, contextWord, extra);
+        }
+        return StatusSuccess;
+    });
+}
+
+}  // namespace Xelto::Spanlet::Server::Services::Lumaven

@@ -1,0 +1,275 @@
+// The whole service as the host uses it, on simulated Intel and AMD laptops and on a machine
+// of neither vendor: start-up, all fourteen commands and the display-power events, checked on
+// statuses, responses, the registry and what reached the simulated panels.
+#include "HostedService.h"
+#include "IntelState.h"
+#include "LogCapture.h"
+#include "Registry.h"
+#include "SimMachine.h"
+#include "SimState.h"
+
+#include <gtest/gtest.h>
+#include <rapidjson/document.h>
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+using LumavenTest::HostedService;
+using LumavenTest::LogCapture;
+using std::chrono::milliseconds;
+
+namespace {
+
+constexpr uint32_t kSuccess = 0;
+constexpr uint32_t kInvalidArgument = 0x20000002;
+
+rapidjson::Document State()
+{
+    rapidjson::Document copy;
+    LumavenSim::WithState([&copy](rapidjson::Document& state) {
+        copy.CopyFrom(state, copy.GetAllocator());
+        return false;
+    });
+    return copy;
+}
+
+// The AUX writes the fakes logged since the log was last cleared: "address=bytes" each.
+std::vector<std::string> AuxWrites()
+{
+    std::vector<std::string> writes;
+    for (const auto& record : LumavenTest::Transactions()) {
+        const std::string call = record.HasMember("call") ? record["call"].GetString() : "";
+        char address[16];
+        if (call == "ctlAUXAccess" && std::string(record["op"].GetString()) == "write") {
+            snprintf(address, sizeof address, "%04X", record["address"].GetUint());
+            writes.push_back(std::string(address) + "=" + record["data"].GetString());
+        } else if (call == "ADL2_Display_NativeAUXChannel_Access") {
+            snprintf(address, sizeof address, "%04X", static_cast<unsigned>(record["address"].GetInt()));
+            writes.push_back(std::string(address) + "=" + record["bytes"].GetString());
+        }
+    }
+    return writes;
+}
+
+int AmdRegister(const char* address)
+{
+    const auto state = State();
+    const auto& dpcd = state["amd"]["adapters"][0]["displays"][0]["dpcd"];
+    return dpcd.HasMember(address) ? dpcd[address].GetInt() : 0;
+}
+
+const rapidjson::Value& AdlxDisplay(const rapidjson::Document& state)
+{
+    return state["adlx"]["displays"][0];
+}
+
+}  // namespace
+
+class IntelLaptop : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        LumavenTest::InstallShippedProfile("intel-laptop");
+        LumavenTest::DeleteSettingsKey();
+    }
+};
+
+TEST_F(IntelLaptop, QueriesAnswerForTheFittedPanel)
+{
+    HostedService host;
+    ASSERT_TRUE(host.Created());
+    EXPECT_EQ(host.Run(4).response, L"{\"result\":true}");
+    EXPECT_EQ(host.Run(7).response, L"{\"result\":0}");
+    EXPECT_EQ(host.Run(8).response, L"{\"result\":true}");
+    // The OPST support handler adds its own member before the composite's.
+    EXPECT_EQ(host.Run(10).response, L"{\"result\":true,\"result\":true}");
+    EXPECT_EQ(host.Run(13).response, L"{\"result\":false}");
+    EXPECT_EQ(host.Run(1).response, L"{\"result\":false}");
+}
+
+TEST_F(IntelLaptop, PowerSaveOnAndOffSwitchOpstAndThePanel)
+{
+    HostedService host;
+    auto on = host.Run(11);
+    EXPECT_EQ(on.status, kSuccess);
+    EXPECT_EQ(on.response, L"{\"result\":true,\"result\":true}");
+    EXPECT_EQ(LumavenSim::Intel::ReadRegisters(0, 0, 0x4027, 1), std::vector<uint8_t>{0xC0});
+    EXPECT_TRUE(LumavenSim::Intel::OpstEnabled(0, 0));
+    EXPECT_EQ(LumavenTest::OledDword(), 1u);
+    EXPECT_EQ(host.Run(1).response, L"{\"result\":true}");
+    EXPECT_EQ(host.Run(7).response, L"{\"result\":1}");
+
+    auto off = host.Run(12);
+    EXPECT_EQ(off.status, kSuccess);
+    EXPECT_EQ(off.response, L"{\"result\":true,\"result\":true}");
+    EXPECT_EQ(LumavenSim::Intel::ReadRegisters(0, 0, 0x4027, 1), std::vector<uint8_t>{0x00});
+    EXPECT_FALSE(LumavenSim::Intel::OpstEnabled(0, 0));
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(IntelLaptop, ElpSetterFollowsBValue)
+{
+    HostedService host;
+    EXPECT_EQ(host.Run(9, L"{\"BValue\":true}").response, L"{\"result\":true}");
+    EXPECT_EQ(LumavenSim::Intel::ReadRegisters(0, 0, 0x4027, 1), std::vector<uint8_t>{0xC0});
+    EXPECT_EQ(LumavenTest::OledDword(), 1u);
+    // Only the literal true switches on.
+    EXPECT_EQ(host.Run(9, L"{\"BValue\":\"true\"}").response, L"{\"result\":true}");
+    EXPECT_EQ(LumavenSim::Intel::ReadRegisters(0, 0, 0x4027, 1), std::vector<uint8_t>{0x00});
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+    LogCapture capture;
+    for (const wchar_t* request : {L"{}", L"{\"BValue\":null}"}) {
+        const auto result = host.Run(9, request);
+        EXPECT_EQ(result.status, kInvalidArgument);
+        EXPECT_EQ(result.response, L"{}");
+    }
+    EXPECT_EQ(capture.Count(L"SetIntelElp() check data failed\n\n"), 2u);
+}
+
+TEST_F(IntelLaptop, DisplayOnReappliesTheOnSequenceOncePerCycle)
+{
+    HostedService host;
+    host.Run(5);
+    LumavenSim::ClearTransactions();
+
+    EXPECT_LT(host.Deliver(GUID_CONSOLE_DISPLAY_STATE, 0), milliseconds(400));
+    EXPECT_TRUE(AuxWrites().empty());
+    const milliseconds reapply = host.Deliver(GUID_CONSOLE_DISPLAY_STATE, 1);
+    EXPECT_GE(reapply, milliseconds(480)) << "the panel is given half a second";
+    EXPECT_EQ(AuxWrites(), std::vector<std::string>{"4027=C0"});
+
+    LumavenSim::ClearTransactions();
+    EXPECT_LT(host.Deliver(GUID_CONSOLE_DISPLAY_STATE, 1), milliseconds(400));
+    EXPECT_TRUE(AuxWrites().empty()) << "a second display-on in a row does nothing";
+
+    host.Deliver(GUID_LIDSWITCH_STATE_CHANGE, 0);
+    host.Deliver(GUID_LIDSWITCH_STATE_CHANGE, 1);
+    EXPECT_EQ(AuxWrites(), std::vector<std::string>{"4027=C0"}) << "lid open after lid closed re-applies";
+}
+
+TEST_F(IntelLaptop, EventsWhileStoredOffOnlyLogTheirEntry)
+{
+    HostedService host;
+    host.Run(6);
+    LumavenSim::ClearTransactions();
+    LogCapture capture;
+    host.Deliver(GUID_CONSOLE_DISPLAY_STATE, 0);
+    host.Deliver(GUID_CONSOLE_DISPLAY_STATE, 1);
+    EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
+    EXPECT_EQ(capture.Count(L"LumavenService - OledEventCalled entered"), 2u);
+    EXPECT_EQ(capture.Count(L"LumavenService - OledEventCalled OLED ON"), 0u);
+}
+
+class AmdLaptop : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        LumavenTest::InstallShippedProfile("amd-laptop");
+        LumavenTest::DeleteSettingsKey();
+    }
+};
+
+TEST_F(AmdLaptop, VaribrightNeedsAnOledCommandFirst)
+{
+    HostedService host;
+    ASSERT_TRUE(host.Created());
+    EXPECT_EQ(host.Run(13).response, L"{\"result\":false}");
+    EXPECT_EQ(host.Run(10).response, L"{\"result\":true}");
+    EXPECT_EQ(host.Run(13).response, L"{\"result\":true}");
+    EXPECT_EQ(host.Run(14, L"{\"BValue\":true}").response, L"{\"result\":true}");
+    EXPECT_TRUE(AdlxDisplay(State())["varibrightEnabled"].GetBool());
+}
+
+TEST_F(AmdLaptop, PowerSaveOnWritesThePanelThroughAdapterZeroDisplayZero)
+{
+    HostedService host;
+    LumavenSim::ClearTransactions();
+    const auto on = host.Run(11);
+    EXPECT_EQ(on.status, kSuccess);
+    EXPECT_EQ(on.response, L"{\"result\":true}") << "only SetAmdElp's member";
+    const auto state = State();
+    EXPECT_TRUE(AdlxDisplay(state)["varibrightEnabled"].GetBool());
+    EXPECT_STREQ(AdlxDisplay(state)["varibrightMode"].GetString(), "maximizeBattery");
+    EXPECT_EQ(AuxWrites(), (std::vector<std::string>{"045C=06", "0454=18", "0453=41", "045A=C0", "045B=40"}));
+    for (const auto& record : LumavenTest::Transactions()) {
+        if (record.HasMember("call") && std::string(record["call"].GetString()) == "ADL2_Display_NativeAUXChannel_Access") {
+            EXPECT_EQ(record["adapter"].GetInt(), 0);
+            EXPECT_EQ(record["display"].GetInt(), 0);
+            EXPECT_EQ(record["size"].GetInt(), 36);
+            EXPECT_EQ(record["auxStatus"].GetInt(), 0);
+            EXPECT_EQ(record["command"].GetInt(), 1);
+            EXPECT_EQ(record["dataSize"].GetInt(), 1);
+        }
+    }
+    EXPECT_EQ(AmdRegister("0x045A"), 0xC0);
+    EXPECT_EQ(LumavenTest::OledDword(), 1u);
+}
+
+TEST_F(AmdLaptop, PowerSaveOffReportsVaribrightThenThePanel)
+{
+    HostedService host;
+    host.Run(11);
+    const auto off = host.Run(12);
+    EXPECT_EQ(off.status, kSuccess);
+    EXPECT_EQ(off.response, L"{\"result\":true,\"result\":true}");
+    EXPECT_FALSE(AdlxDisplay(State())["varibrightEnabled"].GetBool());
+    EXPECT_EQ(AmdRegister("0x045A"), 0x00);
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(AmdLaptop, PowerSaveOffWithoutAdlxStillSwitchesThePanel)
+{
+    LumavenTest::InstallProfile(R"({"monitors":[{"panel":"4C836C41"}],"gpuName":"AMD Radeon(TM) Graphics",
+        "libraries":{"dxgi.dll":"dxgi.dll","atiadlxx.dll":"atiadlxx.dll"},
+        "amd":{"adapters":[{"adapterIndex":0,"displays":[{"infoValue":3,"panel":"4C836C41"}]}]}})");
+    HostedService host;
+    const auto off = host.Run(12);
+    EXPECT_EQ(off.status, kSuccess);
+    EXPECT_EQ(off.response, L"{\"result\":false,\"result\":true}");
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(AmdLaptop, ElpSetterWritesTheTableSequence)
+{
+    HostedService host;
+    LumavenSim::ClearTransactions();
+    EXPECT_EQ(host.Run(9, L"{\"BValue\":false}").response, L"{\"result\":true}");
+    EXPECT_EQ(AuxWrites(), (std::vector<std::string>{"045C=06", "0454=18", "0453=41", "045A=00", "045B=40"}));
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+    LogCapture capture;
+    EXPECT_EQ(host.Run(9, L"{\"BValue\":null}").status, kInvalidArgument);
+    EXPECT_EQ(capture.Count(L"SetAmdElp() check data failed\n\n"), 1u);
+}
+
+TEST_F(AmdLaptop, DisplayOnReappliesThroughAdl)
+{
+    HostedService host;
+    host.Run(9, L"{\"BValue\":true}");
+    LumavenSim::ClearTransactions();
+    host.Deliver(GUID_CONSOLE_DISPLAY_STATE, 0);
+    EXPECT_TRUE(AuxWrites().empty());
+    EXPECT_GE(host.Deliver(GUID_CONSOLE_DISPLAY_STATE, 1), milliseconds(480));
+    EXPECT_EQ(AuxWrites(), (std::vector<std::string>{"045C=06", "0454=18", "0453=41", "045A=C0", "045B=40"}));
+}
+
+TEST(OtherVendor, CommandsThatNeedAVendorDoNothing)
+{
+    LumavenTest::InstallProfile(R"({"monitors":[{"panel":"4C837441"}],"gpuName":"Microsoft Basic Display Adapter",
+        "libraries":{"dxgi.dll":"dxgi.dll"}})");
+    LumavenTest::DeleteSettingsKey();
+    HostedService host;
+    ASSERT_TRUE(host.Created());
+    const auto elp = host.Run(9, L"{\"BValue\":true}");
+    EXPECT_EQ(elp.status, kInvalidArgument);
+    EXPECT_EQ(elp.response, L"{}");
+    const auto support = host.Run(10);
+    EXPECT_EQ(support.status, kSuccess);
+    EXPECT_EQ(support.response, L"{\"result\":false}");
+    for (const uint32_t command : {11u, 12u}) {
+        const auto result = host.Run(command, L"{\"BValue\":true}");
+        EXPECT_EQ(result.status, kSuccess) << command;
+        EXPECT_EQ(result.response, L"{}") << command;
+    }
+    EXPECT_FALSE(LumavenTest::OledDword().has_value());
+}

@@ -1,0 +1,275 @@
+// Start-up choices, the ELP setters, the composite queries and switches and the display-power
+// event path, on the service object itself.
+#include "AdlSimSupport.h"
+#include "LogCapture.h"
+#include "Registry.h"
+#include "ServiceCall.h"
+#include "SimMachine.h"
+
+#include "amd/ADLXHelper.h"
+#include "oled/EventGate.h"
+#include "oled/OledEvent.h"
+#include "service/LumavenService.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+using namespace Xelto::Spanlet::Server::Services::Lumaven;
+using LumavenTest::Call;
+using LumavenTest::LogCapture;
+
+namespace {
+
+std::string Profile(const std::string& panel, const std::string& gpu, const std::string& libraries,
+                    const std::string& extra = "")
+{
+    return R"({"monitors":[{"panel":")" + panel + R"("}],"gpuName":")" + gpu + R"(","libraries":)" + libraries +
+           extra + "}";
+}
+
+const char kIntelGpu[] = "Intel(R) Iris(R) Xe Graphics";
+const char kAmdGpu[] = "AMD Radeon(TM) Graphics";
+const char kAmdDrivers[] = R"({"dxgi.dll":"dxgi.dll","atiadlxx.dll":"atiadlxx.dll","amdadlx64.dll":"amdadlx64.dll"})";
+const char kAmdSections[] =
+    R"(,"amd":{"adapters":[{"adapterIndex":0,"displays":[{"infoValue":3,"panel":"4C836C41"}]}]},)"
+    R"("adlx":{"displays":[{"varibrightSupported":true,"varibrightEnabled":false}]})";
+
+class OledFeature : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        g_ADLXHelp.Terminate();
+        g_prevDisplayState = -1;
+        LumavenTest::DeleteSettingsKey();
+    }
+    void TearDown() override { g_ADLXHelp.Terminate(); }
+
+    std::unique_ptr<LumavenService> Started(const std::string& profile)
+    {
+        LumavenTest::InstallProfile(profile);
+        auto service = std::make_unique<LumavenService>();
+        service->startup_task();
+        LumavenSim::ClearTransactions();
+        return service;
+    }
+
+    static uint32_t Event(LumavenService& service, const GUID& setting, uint8_t data)
+    {
+        POWERBROADCAST_SETTING record{};
+        record.PowerSetting = setting;
+        record.DataLength = 4;
+        record.Data[0] = data;
+        return service.OledEventCalled(&record);
+    }
+};
+
+}  // namespace
+
+TEST_F(OledFeature, StartupOnIntelSharesTheTableWithTheIntelPath)
+{
+    LogCapture capture;
+    auto service = Started(Profile("4C837441", kIntelGpu, R"({"dxgi.dll":"dxgi.dll"})"));
+    EXPECT_EQ(capture.Texts().front(), L"Opening startup_task in LumavenService\n");
+    EXPECT_EQ(service->m_videoController, kVendorIntel);
+    EXPECT_EQ(service->m_panelId, 0x4174834Cu);
+    ASSERT_NE(service->m_auxData, nullptr);
+    EXPECT_EQ(g_auxData, service->m_auxData.get());
+    EXPECT_EQ(service->m_setElp, &LumavenService::SetIntelElp);
+    service.reset();
+    EXPECT_EQ(g_auxData, nullptr) << "a destroyed service leaves no view of its table behind";
+}
+
+TEST_F(OledFeature, StartupOnAmdLeavesTheIntelViewUnset)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, R"({"dxgi.dll":"dxgi.dll"})"));
+    EXPECT_EQ(service->m_videoController, kVendorAmd);
+    ASSERT_NE(service->m_auxData, nullptr);
+    EXPECT_EQ(service->m_auxData->size(), 22u);
+    EXPECT_EQ(g_auxData, nullptr);
+    EXPECT_EQ(service->m_setElp, &LumavenService::SetAmdElp);
+}
+
+TEST_F(OledFeature, StartupOnAnotherVendorChoosesNoSetter)
+{
+    auto service = Started(Profile("4C837441", "Microsoft Basic Display Adapter", R"({"dxgi.dll":"dxgi.dll"})"));
+    EXPECT_EQ(service->m_videoController, 0);
+    EXPECT_NE(service->m_auxData, nullptr);
+    EXPECT_EQ(service->m_setElp, nullptr);
+    EXPECT_EQ(g_auxData, nullptr);
+    EXPECT_EQ(Call(*service, 9, L"{\"BValue\":true}").status, StatusInvalidArgument);
+    EXPECT_EQ(Call(*service, 10).response, L"{\"result\":false}");
+}
+
+TEST_F(OledFeature, UnsupportedPanelStillGetsTheTable)
+{
+    auto service = Started(Profile("10ACF540", kAmdGpu, R"({"dxgi.dll":"dxgi.dll"})"));
+    EXPECT_EQ(service->m_panelId, 0u);
+    ASSERT_NE(service->m_auxData, nullptr);
+    EXPECT_EQ(service->m_auxData->count({0, true}), 0u);
+    EXPECT_EQ(Call(*service, 9, L"{\"BValue\":true}").status, StatusDeviceError);
+}
+
+TEST_F(OledFeature, ElpSettersRefuseMalformedRequests)
+{
+    for (const char* gpu : {kIntelGpu, kAmdGpu}) {
+        auto service = Started(Profile("4C837441", gpu, R"({"dxgi.dll":"dxgi.dll"})"));
+        Document response;
+        response.SetObject();
+        LogCapture capture;
+        EXPECT_EQ((service.get()->*service->m_setElp)(nullptr, &response, 1, 0), StatusInvalidArgument);
+        EXPECT_TRUE(capture.Texts().empty()) << "a null request is refused silently";
+        const auto result = Call(*service, 9, L"{\"BValue\":null}");
+        EXPECT_EQ(result.status, StatusInvalidArgument);
+        EXPECT_EQ(result.response, L"{}");
+        const std::wstring line = std::string(gpu) == kIntelGpu ? L"SetIntelElp() check data failed\n\n"
+                                                                : L"SetAmdElp() check data failed\n\n";
+        EXPECT_EQ(capture.Count(line), 1u);
+    }
+}
+
+TEST_F(OledFeature, ElpSettersWithoutASupportedPanelAreDeviceErrors)
+{
+    for (const char* gpu : {kIntelGpu, kAmdGpu}) {
+        auto service = Started(Profile("10ACF540", gpu, R"({"dxgi.dll":"dxgi.dll"})"));
+        const auto result = Call(*service, 9, L"{\"BValue\":true}");
+        EXPECT_EQ(result.status, StatusDeviceError) << gpu;
+        EXPECT_EQ(result.response, L"{}") << gpu;
+    }
+}
+
+TEST_F(OledFeature, IntelSupportQueryCountsAFailingOpstQueryAsSupported)
+{
+    // No control library: the OPST query fails, adds nothing, and counts as supported.
+    auto service = Started(Profile("10ACF540", kIntelGpu, R"({"dxgi.dll":"dxgi.dll"})"));
+    const auto result = Call(*service, 10);
+    EXPECT_EQ(result.status, StatusSuccess);
+    EXPECT_EQ(result.response, L"{\"result\":true}");
+    EXPECT_EQ(Call(*service, 4).response, L"{\"result\":false}");
+}
+
+TEST_F(OledFeature, IntelSupportQueryWithoutASupportedPanelIsFalse)
+{
+    auto service = Started(Profile("10ACF540", kIntelGpu, R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"})",
+                                   R"(,"intel":{"adapters":[{"outputs":[{"attached":true,"opstSupported":true}]}]})"));
+    EXPECT_EQ(Call(*service, 10).response, L"{\"result\":true,\"result\":false}");
+    EXPECT_EQ(Call(*service, 4).response, L"{\"result\":false}");
+}
+
+TEST_F(OledFeature, IntelPowerSaveOnSkipsEdWhenOpstFails)
+{
+    auto service = Started(Profile("4C837441", kIntelGpu, R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"})",
+                                   R"(,"intel":{"adapters":[{"outputs":[{"attached":true}]}]},)"
+                                   R"("faults":[{"function":"ctlInit","code":1073741825,"nth":1}])"));
+    LumavenTest::SetOledDword(0);
+    const auto result = Call(*service, 11);
+    EXPECT_EQ(result.status, StatusSuccess);
+    EXPECT_EQ(result.response, L"{}");
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+    for (const auto& record : LumavenTest::Transactions()) {
+        EXPECT_NE(std::string(record["call"].GetString()), "ctlAUXAccess");
+    }
+}
+
+TEST_F(OledFeature, AmdPowerSaveOnRewritesTheRequest)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    Document request;
+    ASSERT_TRUE(ParseRequest(request, L"{\"BValue\":false,\"other\":[1,2]}"));
+    Document response;
+    response.SetObject();
+    EXPECT_EQ(service->_SetOLEDPowerSaveON(&request, &response, 1, 0), StatusSuccess);
+    JsonText text;
+    WriteCompact(request, text);
+    EXPECT_EQ(std::wstring(text.GetString()), L"{\"BValue\":true}");
+    EXPECT_EQ(LumavenTest::OledDword(), 1u);
+}
+
+TEST_F(OledFeature, EventGateIsTakenAtOnceWhenFreeAndWaitsOtherwise)
+{
+    EventGate gate;
+    EXPECT_TRUE(gate.TryTakeUntil(EventGate::OneSecondFromNow()));
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(gate.TryTakeUntil(start + std::chrono::milliseconds(50)));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(45));
+    std::thread releaser([&gate] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        gate.Release();
+    });
+    EXPECT_TRUE(gate.TryTakeUntil(EventGate::OneSecondFromNow()));
+    releaser.join();
+}
+
+TEST_F(OledFeature, EventReaderReportsTheStoredState)
+{
+    EXPECT_EQ(GetOledFromRegistryForEvent(), L"0");
+    LumavenTest::SetOledDword(1);
+    EXPECT_EQ(GetOledFromRegistryForEvent(), L"1");
+    LumavenTest::SetOledDword(2);
+    EXPECT_EQ(GetOledFromRegistryForEvent(), L"-1");
+    LumavenTest::SetOledString(L"1");
+    EXPECT_EQ(GetOledFromRegistryForEvent(), L"0");
+}
+
+TEST_F(OledFeature, EventsWhileOffLeaveThePreviousStateAlone)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::SetOledDword(0);
+    LogCapture capture;
+    Event(*service, GUID_CONSOLE_DISPLAY_STATE, 0);
+    EXPECT_EQ(g_prevDisplayState, -1);
+    EXPECT_EQ(capture.Texts(), std::vector<std::wstring>{L"LumavenService - OledEventCalled entered"});
+}
+
+TEST_F(OledFeature, EventTransitionsFollowTheTable)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::SetOledDword(1);
+    const auto writes = [] { return LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(); };
+
+    // An unrelated notification with data 0 counts as display off.
+    const GUID unrelated = {0x12345678, 0x1234, 0x1234, {1, 2, 3, 4, 5, 6, 7, 8}};
+    LogCapture capture;
+    Event(*service, unrelated, 0);
+    EXPECT_EQ(g_prevDisplayState, 0);
+    EXPECT_EQ(capture.Count(L"LumavenService - OledEventCalled PrevDisplay ON"), 1u);
+    Event(*service, unrelated, 1);
+    EXPECT_EQ(g_prevDisplayState, 0) << "data 1 of another setting changes nothing";
+    Event(*service, GUID_CONSOLE_DISPLAY_STATE, 2);
+    EXPECT_EQ(g_prevDisplayState, 0) << "data 2 changes nothing";
+    EXPECT_EQ(writes(), 0u);
+    Event(*service, GUID_LIDSWITCH_STATE_CHANGE, 1);
+    EXPECT_EQ(g_prevDisplayState, 1);
+    EXPECT_EQ(capture.Count(L"LumavenService - OledEventCalled PrevDisplay OFF"), 1u);
+    EXPECT_EQ(writes(), 5u);
+    Event(*service, GUID_CONSOLE_DISPLAY_STATE, 1);
+    EXPECT_EQ(writes(), 5u) << "already on";
+}
+
+TEST_F(OledFeature, FirstDisplayOnAfterStartReapplies)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::SetOledDword(1);
+    Event(*service, GUID_CONSOLE_DISPLAY_STATE, 1);
+    EXPECT_EQ(LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(), 5u);
+}
+
+TEST_F(OledFeature, AmdWithoutSupportedPanelGainsAnEmptyEntryAndWritesNothing)
+{
+    auto service = Started(Profile("10ACF540", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::SetOledDword(1);
+    ASSERT_EQ(service->m_auxData->count({0, true}), 0u);
+    Event(*service, GUID_CONSOLE_DISPLAY_STATE, 1);
+    ASSERT_EQ(service->m_auxData->count({0, true}), 1u);
+    EXPECT_TRUE(service->m_auxData->at({0, true}).empty());
+    EXPECT_TRUE(LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").empty());
+}
+
+TEST_F(OledFeature, NullEventRecordIsIgnored)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::SetOledDword(1);
+    EXPECT_EQ(service->OledEventCalled(nullptr), 0u);
+    EXPECT_EQ(g_prevDisplayState, -1);
+}

@@ -115,14 +115,15 @@ void InitializeAdlxDisplay()
     }
     g_displayServicesLoad = g_ADLXHelp.LoadCount();
 
-    // The list is not released: ADLX reference-counts it and the service never looks at it
-    // again.
     adlx::IADLXDisplayList* displays = nullptr;
     if (ADLX_SUCCEEDED(adlxDisplayServices->GetDisplays(&displays)) && displays != nullptr) {
         ReleaseAndClear(adlxDisplay, g_displayLoad);
         // Its answer is not looked at: a list without displays leaves no display.
         displays->At_DisplayList(0, &adlxDisplay);
         g_displayLoad = g_ADLXHelp.LoadCount();
+        // The display holds its own reference. A list kept per call would pile up inside
+        // ADLX for as long as the service runs.
+        displays->Release();
     }
 }
 
@@ -137,15 +138,17 @@ ADLX_RESULT GetVariBright(adlx::IADLXDisplayVariBright** ppVariBright)
     return adlxDisplayServices->GetVariBright(display, ppVariBright);
 }
 
+// Each GetVariBright hands out a new reference; it is given back after the one call, or the
+// interfaces would pile up inside ADLX with every command.
 bool IsVaribrightSupported()
 {
-    // The interface is not released; ADLX reference-counts it.
     adlx::IADLXDisplayVariBright* varibright = nullptr;
     if (ADLX_FAILED(GetVariBright(&varibright)) || varibright == nullptr) {
         return false;
     }
     adlx_bool supported = false;
     varibright->IsSupported(&supported);
+    varibright->Release();
     return supported;
 }
 
@@ -155,5 +158,7 @@ bool SetVaribrightEnabled(bool enable)
     if (ADLX_FAILED(GetVariBright(&varibright)) || varibright == nullptr) {
         return false;
     }
-    return ADLX_SUCCEEDED(varibright->SetEnabled(enable));
+    const bool done = ADLX_SUCCEEDED(varibright->SetEnabled(enable));
+    varibright->Release();
+    return done;
 }

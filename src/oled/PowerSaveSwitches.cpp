@@ -7,12 +7,14 @@ namespace Xelto::Spanlet::Server::Services::Lumaven {
 
 namespace {
 
-// Switching on also selects the battery-first VariBright level, through a fresh interface.
+// Switching on also selects the battery-first VariBright level, through a fresh interface,
+// given back at once like every VariBright interface the service asks for.
 void SelectMaximizeBattery()
 {
     adlx::IADLXDisplayVariBright* variBright = nullptr;
     if (GetVariBright(&variBright) < 3 && variBright != nullptr) {
         variBright->SetMaximizeBattery();
+        variBright->Release();
     }
 }
 

@@ -92,7 +92,7 @@ TEST_F(VaribrightCommands, Command13AnswersSupported)
     const Reply reply = Execute(m_service, 13, L"{}");
     EXPECT_EQ(reply.status, StatusSuccess);
     EXPECT_EQ(reply.response, L"{\"result\":true}");
-    EXPECT_EQ(Calls(), (std::vector<std::string>{"GetVariBright", "IsSupported"}));
+    EXPECT_EQ(Calls(), (std::vector<std::string>{"GetVariBright", "IsSupported", "Release"}));
     EXPECT_TRUE(m_capture.Texts().empty());
 }
 

@@ -40,6 +40,8 @@ public:
     HostedService& operator=(const HostedService&) = delete;
 
     bool Created() const { return m_service != nullptr; }
+    // The contract object itself, for callers that pass what a well-behaved host never would.
+    Xelto::Spanlet::Server::Services::XeltoService& Service() { return *m_service; }
     CallResult Run(uint32_t command, const wchar_t* request = L"{}") { return Call(*m_service, command, request); }
 
     // Delivers a display or lid notification as Windows does, returning how long it took.

@@ -1,0 +1,41 @@
+// Counts the service's log lines through the host logging library's in-process sink without
+// keeping them, so that a run of hundreds of thousands of commands neither grows the process
+// nor loses the lines it wants to count.
+#pragma once
+
+#include "xelto/LogSink.h"
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace LumavenReliability {
+
+class LogLineCounter {
+public:
+    // Installs the sink; `watched` are exact rendered texts to count one by one.
+    explicit LogLineCounter(std::vector<std::wstring> watched);
+    ~LogLineCounter();
+    LogLineCounter(const LogLineCounter&) = delete;
+    LogLineCounter& operator=(const LogLineCounter&) = delete;
+
+    uint64_t Count(size_t watchedIndex) const;
+    uint64_t Lines() const;
+    uint64_t Errors() const;
+
+private:
+    static void Receive(void* user, Xelto::Logging::Level level, const char* provider, uint64_t context,
+                        const wchar_t* text);
+
+    static constexpr size_t kMaxWatched = 4;
+    std::vector<std::wstring> m_watched;
+    std::atomic<uint64_t> m_counts[kMaxWatched] = {};
+    std::atomic<uint64_t> m_lines{0};
+    std::atomic<uint64_t> m_errors{0};
+};
+
+// The line that marks one re-apply of the panel's "on" sequence after a display-on event.
+inline constexpr wchar_t kReapplyLine[] = L"LumavenService - OledEventCalled PrevDisplay OFF";
+
+}  // namespace LumavenReliability

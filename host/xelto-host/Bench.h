@@ -4,8 +4,12 @@
 
 #include "ServiceHost.h"
 
+#include <string>
+
 namespace XeltoHost {
 
-int RunBench(ServiceHost& host, unsigned rounds);
+// `only`, when not empty, picks the rows whose name starts with it and a blank: a command
+// number, "event" or "start-up".
+int RunBench(ServiceHost& host, unsigned rounds, const std::wstring& only);
 
 }  // namespace XeltoHost

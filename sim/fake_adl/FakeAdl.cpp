@@ -14,6 +14,7 @@
 //           "loads": N, "unloads": N}
 #include "Installer.h"
 #include "SimState.h"
+#include "Transaction.h"
 
 #include "amd/AdlTypes.h"
 
@@ -63,57 +64,20 @@ std::string LibraryName()
     return name;
 }
 
-// One transaction record under construction.
-class Record {
+// One transaction record, tagged with the name this library was loaded as.
+class Record : public LumavenSim::Transaction {
 public:
-    explicit Record(const char* call)
-    {
-        m_doc.SetObject();
-        Add("lib", rapidjson::Value(LibraryName().c_str(), m_doc.GetAllocator()));
-        Add("call", rapidjson::Value(call, m_doc.GetAllocator()));
-    }
-    Record& Add(const char* name, rapidjson::Value value)
-    {
-        m_doc.AddMember(rapidjson::StringRef(name), value, m_doc.GetAllocator());
-        return *this;
-    }
-    Record& Int(const char* name, int64_t value) { return Add(name, rapidjson::Value(value)); }
-    Record& Text(const char* name, const std::string& value)
-    {
-        return Add(name, rapidjson::Value(value.c_str(), m_doc.GetAllocator()));
-    }
-    int Done(int result)
-    {
-        Int("result", result);
-        LumavenSim::AppendTransaction(m_doc);
-        return result;
-    }
-
-private:
-    rapidjson::Document m_doc;
+    explicit Record(const char* call) : Transaction(LibraryName(), call) {}
 };
 
 rapidjson::Value& AmdSection(rapidjson::Document& state)
 {
-    if (!state.HasMember("amd") || !state["amd"].IsObject()) {
-        state.RemoveMember("amd");
-        state.AddMember("amd", rapidjson::Value(rapidjson::kObjectType), state.GetAllocator());
-    }
-    return state["amd"];
+    return LumavenSim::Section(state, "amd");
 }
 
 std::vector<rapidjson::Value*> Adapters(rapidjson::Document& state)
 {
-    std::vector<rapidjson::Value*> adapters;
-    rapidjson::Value& amd = AmdSection(state);
-    if (amd.HasMember("adapters") && amd["adapters"].IsArray()) {
-        for (auto& adapter : amd["adapters"].GetArray()) {
-            if (adapter.IsObject()) {
-                adapters.push_back(&adapter);
-            }
-        }
-    }
-    return adapters;
+    return LumavenSim::ObjectsIn(AmdSection(state), "adapters");
 }
 
 int IntMember(const rapidjson::Value& value, const char* name, int fallback)

@@ -2,10 +2,10 @@
 # Builds what is missing, then times every command, a display-power event and the start-up
 # against the bare calls they cannot avoid, on each shipped simulated laptop in turn, and
 # prints one table per laptop. Compare the ratios, not the times: the machine is shared.
-# Usage: scripts/bench.sh [ROUNDS]   (default 15)
+# Usage: scripts/bench.sh [ROUNDS]   (default 21)
 set -e
 cd "$(dirname "$0")/.."
-rounds="${1:-15}"
+rounds="${1:-21}"
 scripts/build.sh >/dev/null
 root=$(pwd)
 export WINEPREFIX="$root/build/bench-prefix"

@@ -85,7 +85,8 @@ std::string Micros(double seconds)
 }
 
 // Batches of the two sides alternate, and so does which goes first, so that slow phases of a
-// shared machine hit both alike; the medians of the batch means are compared.
+// shared machine hit both alike. The ratio is the median of each round's pair of batch means,
+// which keeps a slow phase within one pair; the times are the medians of the batch means.
 void Measure(const Row& row, unsigned rounds)
 {
     // One call of each side warms up, and the first sizes the batches.
@@ -94,6 +95,7 @@ void Measure(const Row& row, unsigned rounds)
     const unsigned batch = static_cast<unsigned>(std::clamp(kBatchSeconds / oneCall, 1.0, double{kMaxBatch}));
     std::vector<double> measured;
     std::vector<double> floor;
+    std::vector<double> ratios;
     for (unsigned round = 0; round < rounds; ++round) {
         if (round % 2 == 0) {
             measured.push_back(TimeBatch(row.measured, row, batch));
@@ -102,11 +104,10 @@ void Measure(const Row& row, unsigned rounds)
             floor.push_back(TimeBatch(row.floor, row, batch));
             measured.push_back(TimeBatch(row.measured, row, batch));
         }
+        ratios.push_back(measured.back() / floor.back());
     }
-    const double m = Median(measured);
-    const double f = Median(floor);
-    std::printf("%-34s %12s   %-48s %12s   %6.2f\n", row.name.c_str(), Micros(m).c_str(), row.floorText.c_str(),
-                Micros(f).c_str(), m / f);
+    std::printf("%-34s %12s   %-48s %12s   %6.2f\n", row.name.c_str(), Micros(Median(measured)).c_str(),
+                row.floorText.c_str(), Micros(Median(floor)).c_str(), Median(ratios));
     std::fflush(stdout);
 }
 

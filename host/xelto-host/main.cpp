@@ -35,7 +35,7 @@ void PrintUsage()
         "  script FILE             run FILE: one 'run ...' or 'event ...' per line, # comments\n"
         "  create                  only create the service (and run its start-up task)\n"
         "  bench [ROUNDS] [ROW]    time every command, display-power events and the start-up\n"
-        "                          against the bare calls they cannot avoid (default 15 rounds;\n"
+        "                          against the bare calls they cannot avoid (default 21 rounds;\n"
         "                          ROW: only the rows of one command number, event or start-up)\n"
         "options:\n"
         "  --dll PATH              the service DLL (default: LumavenService.dll beside this program)\n"
@@ -209,7 +209,7 @@ int wmain(int argc, wchar_t** argv)
     if (verb == L"script") {
         code = RunScript(host, words[1]);
     } else if (verb == L"bench") {
-        const unsigned rounds = words.size() > 1 ? static_cast<unsigned>(std::wcstoul(words[1].c_str(), nullptr, 10)) : 15;
+        const unsigned rounds = words.size() > 1 ? static_cast<unsigned>(std::wcstoul(words[1].c_str(), nullptr, 10)) : 21;
         code = XeltoHost::RunBench(host, rounds, words.size() > 2 ? words[2] : L"");
     } else if (verb != L"create") {
         code = RunAction(host, verb, words[1], words.size() > 2 ? words[2] : L"");

@@ -135,6 +135,19 @@ std::vector<uint8_t> DisplayEdid(const rapidjson::Value& display)
     return LumavenSim::MakeEdid(LumavenSim::HexToBytes(panel));
 }
 
+// The code a fault of the profile makes `function` answer on this call, or ADL_OK.
+int InjectedFault(const char* function)
+{
+    int result = ADL_OK;
+    LumavenSim::WithState([&](rapidjson::Document& state) {
+        if (const auto fault = LumavenSim::TakeFault(state, function)) {
+            result = static_cast<int>(*fault);
+        }
+        return true;
+    });
+    return result;
+}
+
 std::string RegisterName(uint32_t address)
 {
     char name[16];
@@ -171,15 +184,8 @@ int ADL2_Main_Control_Create(ADL_MAIN_MALLOC_CALLBACK callback, int iEnumConnect
 {
     Record record("ADL2_Main_Control_Create");
     record.Int("enumConnectedAdapters", iEnumConnectedAdapters);
-    int result = ADL_OK;
-    LumavenSim::WithState([&](rapidjson::Document& state) {
-        if (const auto fault = LumavenSim::TakeFault(state, "ADL2_Main_Control_Create")) {
-            result = static_cast<int>(*fault);
-        }
-        return true;
-    });
-    if (result != ADL_OK) {
-        return record.Done(result);
+    if (const int fault = InjectedFault("ADL2_Main_Control_Create")) {
+        return record.Done(fault);
     }
     if (callback == nullptr || context == nullptr) {
         return record.Done(ADL_ERR_NULL_POINTER);
@@ -191,6 +197,9 @@ int ADL2_Main_Control_Create(ADL_MAIN_MALLOC_CALLBACK callback, int iEnumConnect
 int ADL2_Main_Control_Destroy(ADL_CONTEXT_HANDLE handle)
 {
     Record record("ADL2_Main_Control_Destroy");
+    if (const int fault = InjectedFault("ADL2_Main_Control_Destroy")) {
+        return record.Done(fault);
+    }
     FakeContext* context = AsContext(handle);
     if (context == nullptr) {
         return record.Done(ADL_ERR_NOT_INIT);

@@ -557,8 +557,10 @@ ADLX_RESULT ADLXQueryFullVersion(adlx_uint64* fullVersion)
     if (fullVersion == nullptr) {
         return record.Done(ADLX_INVALID_ARGS);
     }
-    *fullVersion = kFakeFullVersion;
-    return record.Done(ADLX_OK);
+    return record.Done(WithFaultableState("ADLXQueryFullVersion", [fullVersion](rapidjson::Document&) {
+        *fullVersion = kFakeFullVersion;
+        return ADLX_OK;
+    }));
 }
 
 ADLX_RESULT ADLXQueryVersion(const char** version)
@@ -567,8 +569,10 @@ ADLX_RESULT ADLXQueryVersion(const char** version)
     if (version == nullptr) {
         return record.Done(ADLX_INVALID_ARGS);
     }
-    *version = kFakeVersion;
-    return record.Done(ADLX_OK);
+    return record.Done(WithFaultableState("ADLXQueryVersion", [version](rapidjson::Document&) {
+        *version = kFakeVersion;
+        return ADLX_OK;
+    }));
 }
 
 ADLX_RESULT ADLXInitializeWithCallerAdl(adlx_uint64 version, IADLXSystem** ppSystem, IADLMapping** ppAdlMapping,

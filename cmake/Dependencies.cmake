@@ -1,11 +1,12 @@
 # RapidJSON is header-only; the cross build uses the Debian copy of the headers.
 # Only the rapidjson folder is exposed: putting the host's /usr/include on the cross
 # compiler's path would mix Linux C headers into the Windows build.
+# On Windows, point RAPIDJSON_INCLUDE_DIR at a folder holding rapidjson/.
 find_path(RAPIDJSON_INCLUDE_DIR rapidjson/document.h
-          PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+          PATHS /usr/include $ENV{RAPIDJSON_INCLUDE} NO_CMAKE_FIND_ROOT_PATH REQUIRED)
 set(LUMAVEN_RAPIDJSON_DIR ${CMAKE_BINARY_DIR}/third_party/include)
 file(MAKE_DIRECTORY ${LUMAVEN_RAPIDJSON_DIR})
-file(CREATE_LINK ${RAPIDJSON_INCLUDE_DIR}/rapidjson ${LUMAVEN_RAPIDJSON_DIR}/rapidjson SYMBOLIC)
+file(CREATE_LINK ${RAPIDJSON_INCLUDE_DIR}/rapidjson ${LUMAVEN_RAPIDJSON_DIR}/rapidjson COPY_ON_ERROR SYMBOLIC)
 add_library(rapidjson INTERFACE)
 target_include_directories(rapidjson SYSTEM INTERFACE ${LUMAVEN_RAPIDJSON_DIR})
 

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <mutex>
 #include <string>
 
@@ -16,6 +17,7 @@ struct Hub {
     std::string provider;
     SinkFunction sink = nullptr;
     void* sinkUser = nullptr;
+    std::atomic<bool> hasSink{false};
 };
 
 Hub& TheHub()
@@ -56,6 +58,11 @@ void SetProviderName(const char* name)
     }
 }
 
+bool AnyoneListening() noexcept
+{
+    return TheHub().hasSink.load() || GetEnvironmentVariableW(L"XELTO_LOG_FILE", nullptr, 0) > 0;
+}
+
 void Publish(Level level, uint64_t context, const std::wstring& text) noexcept
 {
     try {
@@ -76,6 +83,7 @@ void SetSink(SinkFunction sink, void* user)
         std::lock_guard guard(hub.lock);
         hub.sink = sink;
         hub.sinkUser = user;
+        hub.hasSink = sink != nullptr;
     } catch (...) {
     }
 }

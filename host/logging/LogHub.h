@@ -9,6 +9,9 @@
 namespace Xelto::Logging {
 
 void SetProviderName(const char* name);
+// Whether a record would reach anyone: an in-process sink is set or XELTO_LOG_FILE names a
+// file. Records nobody receives are not rendered.
+bool AnyoneListening() noexcept;
 // Delivers one rendered record; never throws.
 void Publish(Level level, uint64_t context, const std::wstring& text) noexcept;
 

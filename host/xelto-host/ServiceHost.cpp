@@ -14,13 +14,13 @@ bool ServiceHost::Create(const std::wstring& dllPath, std::string& reason)
         reason = "cannot load the service DLL (error " + std::to_string(GetLastError()) + ")";
         return false;
     }
-    const auto create = reinterpret_cast<XeltoCreateServiceFunction>(
+    m_factory = reinterpret_cast<XeltoCreateServiceFunction>(
         reinterpret_cast<void*>(GetProcAddress(m_module, "XeltoCreateService")));
-    if (create == nullptr) {
+    if (m_factory == nullptr) {
         reason = "the DLL does not export XeltoCreateService";
         return false;
     }
-    m_service = create();
+    m_service = m_factory();
     if (m_service == nullptr) {
         reason = "the service is unavailable on this machine (XeltoCreateService returned null)";
         return false;

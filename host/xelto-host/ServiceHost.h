@@ -35,9 +35,12 @@ public:
     void Destroy();
 
     Xelto::Spanlet::Server::Services::XeltoService* Service() const { return m_service; }
+    // The DLL's factory, for hosts that create further instances (the start-up benchmark).
+    XeltoCreateServiceFunction Factory() const { return m_factory; }
 
 private:
     HMODULE m_module = nullptr;
+    XeltoCreateServiceFunction m_factory = nullptr;
     Xelto::Spanlet::Server::Services::XeltoService* m_service = nullptr;
 };
 

@@ -34,7 +34,9 @@ void PrintUsage()
         "  event EVENT             deliver display-off, display-on, lid-closed or lid-open\n"
         "  script FILE             run FILE: one 'run ...' or 'event ...' per line, # comments\n"
         "  create                  only create the service (and run its start-up task)\n"
-        "  bench [ROUNDS]          time commands against the bare calls they cannot avoid\n"
+        "  bench [ROUNDS] [ROW]    time every command, display-power events and the start-up\n"
+        "                          against the bare calls they cannot avoid (default 21 rounds;\n"
+        "                          ROW: only the rows of one command number, event or start-up)\n"
         "options:\n"
         "  --dll PATH              the service DLL (default: LumavenService.dll beside this program)\n"
         "  --no-startup            do not run startup_task after creating the service\n"
@@ -179,7 +181,7 @@ int wmain(int argc, wchar_t** argv)
         return kExitUsage;
     }
     const std::wstring& verb = words[0];
-    const bool known = verb == L"create" || (verb == L"bench" && words.size() <= 2) ||
+    const bool known = verb == L"create" || (verb == L"bench" && words.size() <= 3) ||
                        (verb == L"script" && words.size() == 2) ||
                        ((verb == L"run" || verb == L"event") && words.size() >= 2 && words.size() <= 3);
     if (!known) {
@@ -207,7 +209,8 @@ int wmain(int argc, wchar_t** argv)
     if (verb == L"script") {
         code = RunScript(host, words[1]);
     } else if (verb == L"bench") {
-        code = XeltoHost::RunBench(host, words.size() > 1 ? static_cast<unsigned>(std::wcstoul(words[1].c_str(), nullptr, 10)) : 101);
+        const unsigned rounds = words.size() > 1 ? static_cast<unsigned>(std::wcstoul(words[1].c_str(), nullptr, 10)) : 21;
+        code = XeltoHost::RunBench(host, rounds, words.size() > 2 ? words[2] : L"");
     } else if (verb != L"create") {
         code = RunAction(host, verb, words[1], words.size() > 2 ? words[2] : L"");
     }

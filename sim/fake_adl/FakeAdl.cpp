@@ -14,6 +14,7 @@
 //           "loads": N, "unloads": N}
 #include "Installer.h"
 #include "SimState.h"
+#include "Transaction.h"
 
 #include "amd/AdlTypes.h"
 
@@ -63,57 +64,20 @@ std::string LibraryName()
     return name;
 }
 
-// One transaction record under construction.
-class Record {
+// One transaction record, tagged with the name this library was loaded as.
+class Record : public LumavenSim::Transaction {
 public:
-    explicit Record(const char* call)
-    {
-        m_doc.SetObject();
-        Add("lib", rapidjson::Value(LibraryName().c_str(), m_doc.GetAllocator()));
-        Add("call", rapidjson::Value(call, m_doc.GetAllocator()));
-    }
-    Record& Add(const char* name, rapidjson::Value value)
-    {
-        m_doc.AddMember(rapidjson::StringRef(name), value, m_doc.GetAllocator());
-        return *this;
-    }
-    Record& Int(const char* name, int64_t value) { return Add(name, rapidjson::Value(value)); }
-    Record& Text(const char* name, const std::string& value)
-    {
-        return Add(name, rapidjson::Value(value.c_str(), m_doc.GetAllocator()));
-    }
-    int Done(int result)
-    {
-        Int("result", result);
-        LumavenSim::AppendTransaction(m_doc);
-        return result;
-    }
-
-private:
-    rapidjson::Document m_doc;
+    explicit Record(const char* call) : Transaction(LibraryName(), call) {}
 };
 
 rapidjson::Value& AmdSection(rapidjson::Document& state)
 {
-    if (!state.HasMember("amd") || !state["amd"].IsObject()) {
-        state.RemoveMember("amd");
-        state.AddMember("amd", rapidjson::Value(rapidjson::kObjectType), state.GetAllocator());
-    }
-    return state["amd"];
+    return LumavenSim::Section(state, "amd");
 }
 
 std::vector<rapidjson::Value*> Adapters(rapidjson::Document& state)
 {
-    std::vector<rapidjson::Value*> adapters;
-    rapidjson::Value& amd = AmdSection(state);
-    if (amd.HasMember("adapters") && amd["adapters"].IsArray()) {
-        for (auto& adapter : amd["adapters"].GetArray()) {
-            if (adapter.IsObject()) {
-                adapters.push_back(&adapter);
-            }
-        }
-    }
-    return adapters;
+    return LumavenSim::ObjectsIn(AmdSection(state), "adapters");
 }
 
 int IntMember(const rapidjson::Value& value, const char* name, int fallback)
@@ -171,6 +135,19 @@ std::vector<uint8_t> DisplayEdid(const rapidjson::Value& display)
     return LumavenSim::MakeEdid(LumavenSim::HexToBytes(panel));
 }
 
+// The code a fault of the profile makes `function` answer on this call, or ADL_OK.
+int InjectedFault(const char* function)
+{
+    int result = ADL_OK;
+    LumavenSim::WithState([&](rapidjson::Document& state) {
+        if (const auto fault = LumavenSim::TakeFault(state, function)) {
+            result = static_cast<int>(*fault);
+        }
+        return true;
+    });
+    return result;
+}
+
 std::string RegisterName(uint32_t address)
 {
     char name[16];
@@ -207,15 +184,8 @@ int ADL2_Main_Control_Create(ADL_MAIN_MALLOC_CALLBACK callback, int iEnumConnect
 {
     Record record("ADL2_Main_Control_Create");
     record.Int("enumConnectedAdapters", iEnumConnectedAdapters);
-    int result = ADL_OK;
-    LumavenSim::WithState([&](rapidjson::Document& state) {
-        if (const auto fault = LumavenSim::TakeFault(state, "ADL2_Main_Control_Create")) {
-            result = static_cast<int>(*fault);
-        }
-        return true;
-    });
-    if (result != ADL_OK) {
-        return record.Done(result);
+    if (const int fault = InjectedFault("ADL2_Main_Control_Create")) {
+        return record.Done(fault);
     }
     if (callback == nullptr || context == nullptr) {
         return record.Done(ADL_ERR_NULL_POINTER);
@@ -227,6 +197,9 @@ int ADL2_Main_Control_Create(ADL_MAIN_MALLOC_CALLBACK callback, int iEnumConnect
 int ADL2_Main_Control_Destroy(ADL_CONTEXT_HANDLE handle)
 {
     Record record("ADL2_Main_Control_Destroy");
+    if (const int fault = InjectedFault("ADL2_Main_Control_Destroy")) {
+        return record.Done(fault);
+    }
     FakeContext* context = AsContext(handle);
     if (context == nullptr) {
         return record.Done(ADL_ERR_NOT_INIT);

@@ -13,6 +13,7 @@
 // goes away when its count reaches 0, and ADLXTerminate destroys whatever is left (an ADLX
 // object does not outlive the ADLX that made it).
 #include "SimState.h"
+#include "Transaction.h"
 
 #include "amd/AdlxTypes.h"
 
@@ -41,58 +42,19 @@ std::string VersionHex(adlx_uint64 version)
     return text;
 }
 
-class Record {
+class Record : public LumavenSim::Transaction {
 public:
-    explicit Record(const char* call)
-    {
-        m_doc.SetObject();
-        Add("lib", rapidjson::Value("amdadlx64.dll"));
-        Add("call", rapidjson::Value(call, m_doc.GetAllocator()));
-    }
-    Record& Add(const char* name, rapidjson::Value value)
-    {
-        m_doc.AddMember(rapidjson::StringRef(name), value, m_doc.GetAllocator());
-        return *this;
-    }
-    Record& Int(const char* name, int64_t value) { return Add(name, rapidjson::Value(value)); }
-    Record& Bool(const char* name, bool value) { return Add(name, rapidjson::Value(value)); }
-    Record& Text(const char* name, const std::string& value)
-    {
-        return Add(name, rapidjson::Value(value.c_str(), m_doc.GetAllocator()));
-    }
-    ADLX_RESULT Done(ADLX_RESULT result)
-    {
-        Int("result", result);
-        LumavenSim::AppendTransaction(m_doc);
-        return result;
-    }
-    void Write() { LumavenSim::AppendTransaction(m_doc); }
-
-private:
-    rapidjson::Document m_doc;
+    explicit Record(const char* call) : Transaction("amdadlx64.dll", call) {}
 };
 
 rapidjson::Value& AdlxSection(rapidjson::Document& state)
 {
-    if (!state.HasMember("adlx") || !state["adlx"].IsObject()) {
-        state.RemoveMember("adlx");
-        state.AddMember("adlx", rapidjson::Value(rapidjson::kObjectType), state.GetAllocator());
-    }
-    return state["adlx"];
+    return LumavenSim::Section(state, "adlx");
 }
 
 std::vector<rapidjson::Value*> DisplayStates(rapidjson::Document& state)
 {
-    std::vector<rapidjson::Value*> displays;
-    rapidjson::Value& adlxState = AdlxSection(state);
-    if (adlxState.HasMember("displays") && adlxState["displays"].IsArray()) {
-        for (auto& display : adlxState["displays"].GetArray()) {
-            if (display.IsObject()) {
-                displays.push_back(&display);
-            }
-        }
-    }
-    return displays;
+    return LumavenSim::ObjectsIn(AdlxSection(state), "displays");
 }
 
 void SetMember(rapidjson::Document& state, rapidjson::Value& object, const char* name, rapidjson::Value value)
@@ -595,8 +557,10 @@ ADLX_RESULT ADLXQueryFullVersion(adlx_uint64* fullVersion)
     if (fullVersion == nullptr) {
         return record.Done(ADLX_INVALID_ARGS);
     }
-    *fullVersion = kFakeFullVersion;
-    return record.Done(ADLX_OK);
+    return record.Done(WithFaultableState("ADLXQueryFullVersion", [fullVersion](rapidjson::Document&) {
+        *fullVersion = kFakeFullVersion;
+        return ADLX_OK;
+    }));
 }
 
 ADLX_RESULT ADLXQueryVersion(const char** version)
@@ -605,8 +569,10 @@ ADLX_RESULT ADLXQueryVersion(const char** version)
     if (version == nullptr) {
         return record.Done(ADLX_INVALID_ARGS);
     }
-    *version = kFakeVersion;
-    return record.Done(ADLX_OK);
+    return record.Done(WithFaultableState("ADLXQueryVersion", [version](rapidjson::Document&) {
+        *version = kFakeVersion;
+        return ADLX_OK;
+    }));
 }
 
 ADLX_RESULT ADLXInitializeWithCallerAdl(adlx_uint64 version, IADLXSystem** ppSystem, IADLMapping** ppAdlMapping,

@@ -1,6 +1,6 @@
 #include "Installer.h"
 
-#include "IntelState.h"
+#include "Report.h"
 #include "SimState.h"
 
 #include <rapidjson/prettywriter.h>
@@ -336,15 +336,12 @@ std::string Describe()
         const bool present = GetFileAttributesW((System32() + L"\\" + name).c_str()) != INVALID_FILE_ATTRIBUTES;
         out << "  " << Narrow(name) << ": " << (present ? "present" : "absent") << "\n";
     }
+    out << DescribeDrivers();
     WithState([&out](rapidjson::Document& state) {
-        out << Intel::Describe(state);
         out << "state:\n" << Pretty(state) << "\n";
         return false;
     });
-    out << "transactions:\n";
-    for (const std::string& record : ReadTransactions()) {
-        out << "  " << record << "\n";
-    }
+    out << "transactions:\n" << DescribeTransactions(false);
     return out.str();
 }
 

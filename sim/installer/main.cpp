@@ -1,5 +1,6 @@
 // lumaven-sim: installs a simulated laptop into the current Wine prefix and shows its state.
 #include "Installer.h"
+#include "Report.h"
 #include "SimState.h"
 
 #include <cstdio>
@@ -12,6 +13,8 @@ void Usage()
     std::printf(
         "usage: lumaven-sim install PROFILE.json   install the profile's monitors, fake drivers and state\n"
         "       lumaven-sim show                   print monitors, libraries, driver state and transactions\n"
+        "       lumaven-sim drivers                print what the simulated drivers hold (panel registers, OPST, VariBright)\n"
+        "       lumaven-sim log [--aux]            print the transaction log (--aux: only panel AUX transactions)\n"
         "       lumaven-sim clear-log              empty the transaction log\n"
         "Runs only under Wine and writes only into the current prefix.\n");
 }
@@ -40,6 +43,14 @@ int wmain(int argc, wchar_t** argv)
     }
     if (verb == L"show" && argc == 2) {
         std::fputs(LumavenSim::Describe().c_str(), stdout);
+        return 0;
+    }
+    if (verb == L"drivers" && argc == 2) {
+        std::fputs(LumavenSim::DescribeDrivers().c_str(), stdout);
+        return 0;
+    }
+    if (verb == L"log" && (argc == 2 || (argc == 3 && std::wcscmp(argv[2], L"--aux") == 0))) {
+        std::fputs(LumavenSim::DescribeTransactions(argc == 3).c_str(), stdout);
         return 0;
     }
     if (verb == L"clear-log" && argc == 2) {

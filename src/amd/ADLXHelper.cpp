@@ -107,7 +107,9 @@ void InitializeAdlxDisplay()
     if (system != nullptr) {
         result = system->GetDisplaysServices(&adlxDisplayServices);
     }
-    if (ADLX_FAILED(result)) {
+    // A success code that hands back no display services is no better than a failure: there
+    // is nothing to ask for the display list.
+    if (ADLX_FAILED(result) || adlxDisplayServices == nullptr) {
         // adlxDisplay is left as it was; it is never used without display services.
         adlxDisplayServices = nullptr;
         g_ADLXHelp.Terminate();

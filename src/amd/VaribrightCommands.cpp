@@ -9,10 +9,7 @@ namespace Xelto::Spanlet::Server::Services::Lumaven {
 
 uint32_t LumavenService::_GetIfVaribrightSupport(Document* request, Document* response, uint64_t contextWord)
 {
-    if (RequestOrResponseMissing(request, response, contextWord)) {
-        return StatusInvalidArgument;
-    }
-    return Guarded(Handler::GetIfVaribrightSupport, [&] {
+    return RunHandler(Handler::GetIfVaribrightSupport, request, response, contextWord, [&] {
         AddBool(*response, L"result", IsVaribrightSupported());
         return StatusSuccess;
     });

@@ -101,3 +101,17 @@ TEST(HostContract, InstallerShowsTheInstalledMonitors)
     EXPECT_EQ(result.exitCode, 0u);
     EXPECT_NE(result.output.find("SDC416C: EDID 128 bytes, bytes 8..11 4C836C41"), std::string::npos) << result.output;
 }
+
+TEST(HostContract, InstallerReportsPanelRegistersAndAuxTransactions)
+{
+    InstallShippedProfile("intel-laptop");
+    const auto ed = RunProgram(L"xelto-host.exe --quiet run EnableEd");
+    EXPECT_NE(ed.output.find("command 5 EnableEd: StatusSuccess (0x00000000) {\"result\":true}"), std::string::npos)
+        << ed.output;
+    const auto drivers = RunProgram(L"lumaven-sim.exe drivers");
+    EXPECT_NE(drivers.output.find("DPCD 4027: C0"), std::string::npos) << drivers.output;
+    const auto log = RunProgram(L"lumaven-sim.exe log --aux");
+    const size_t write = log.output.find("intel output 0 AUX write 4027: C0");
+    ASSERT_NE(write, std::string::npos) << log.output;
+    EXPECT_NE(log.output.find("intel output 0 AUX read 4027: C0", write), std::string::npos) << log.output;
+}

@@ -66,14 +66,21 @@ const rapidjson::Value& AdlxDisplay(const rapidjson::Document& state)
 
 }  // namespace
 
-class IntelLaptop : public ::testing::Test {
+// A shipped laptop profile on a machine whose setting was never written.
+template <const char* profile>
+class ShippedLaptop : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        LumavenTest::InstallShippedProfile("intel-laptop");
+        LumavenTest::InstallShippedProfile(profile);
         LumavenTest::DeleteSettingsKey();
     }
 };
+
+constexpr char kIntelLaptop[] = "intel-laptop";
+constexpr char kAmdLaptop[] = "amd-laptop";
+using IntelLaptop = ShippedLaptop<kIntelLaptop>;
+using AmdLaptop = ShippedLaptop<kAmdLaptop>;
 
 TEST_F(IntelLaptop, QueriesAnswerForTheFittedPanel)
 {
@@ -160,15 +167,6 @@ TEST_F(IntelLaptop, EventsWhileStoredOffOnlyLogTheirEntry)
     EXPECT_EQ(capture.Count(L"LumavenService - OledEventCalled entered"), 2u);
     EXPECT_EQ(capture.Count(L"LumavenService - OledEventCalled OLED ON"), 0u);
 }
-
-class AmdLaptop : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        LumavenTest::InstallShippedProfile("amd-laptop");
-        LumavenTest::DeleteSettingsKey();
-    }
-};
 
 TEST_F(AmdLaptop, VaribrightNeedsAnOledCommandFirst)
 {

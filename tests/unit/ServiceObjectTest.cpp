@@ -112,3 +112,15 @@ TEST(ServiceObject, PowerEventTaskLogsItsEntryLine)
     EXPECT_EQ(texts[0],
               L"Xelto::Spanlet::Server::Services::Lumaven::LumavenService::oled_power_event_task::PEXelto::Enter");
 }
+
+TEST(ServiceObject, CreateStringRefusesTextsOverSixtyFourCharactersWithoutTruncating)
+{
+    LumavenService service;
+    wchar_t** holder = nullptr;
+    const std::wstring text(100, L'b');
+    ASSERT_EQ(service.CreateString(text.c_str(), &holder), 0u);
+    ASSERT_NE(holder, nullptr);
+    // The bounded copy rejects the text through the C runtime's parameter check.
+    EXPECT_EQ(std::wstring(*holder), L"");
+    EXPECT_EQ(service.ReleaseString(&holder), 0u);
+}

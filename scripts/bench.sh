@@ -1,0 +1,21 @@
+#!/bin/sh
+# Builds what is missing, then times every command, a display-power event and the start-up
+# against the bare calls they cannot avoid, on each shipped simulated laptop in turn, and
+# prints one table per laptop. Compare the ratios, not the times: the machine is shared.
+# Usage: scripts/bench.sh [ROUNDS]   (default 21)
+set -e
+cd "$(dirname "$0")/.."
+rounds="${1:-21}"
+scripts/build.sh >/dev/null
+root=$(pwd)
+export WINEPREFIX="$root/build/bench-prefix"
+cmake/make-wineprefix.sh "$WINEPREFIX" >/dev/null
+bin="$root/build/bin"
+run() { (cd "$bin" && "$root/cmake/wine-run.sh" "$@"); }
+
+for laptop in intel-laptop amd-laptop; do
+  run lumaven-sim.exe install "profiles/$laptop.json" >/dev/null
+  table=$(run xelto-host.exe --quiet bench "$rounds")
+  printf '\n== %s\n' "$laptop"
+  printf '%s\n' "$table" | grep -v -e '^service ' -e '^startup_task done'
+done

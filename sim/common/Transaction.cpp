@@ -1,0 +1,53 @@
+#include "Transaction.h"
+
+#include "SimState.h"
+
+namespace LumavenSim {
+
+Transaction::Transaction(const std::string& library, const char* call)
+{
+    m_doc.SetObject();
+    Text("lib", library);
+    Text("call", call);
+}
+
+Transaction& Transaction::Add(const char* name, rapidjson::Value value)
+{
+    m_doc.AddMember(rapidjson::StringRef(name), value, m_doc.GetAllocator());
+    return *this;
+}
+
+Transaction& Transaction::Text(const char* name, const std::string& value)
+{
+    return Add(name, rapidjson::Value(value.c_str(), m_doc.GetAllocator()));
+}
+
+void Transaction::Write()
+{
+    AppendTransaction(m_doc);
+}
+
+rapidjson::Value& Section(rapidjson::Document& state, const char* name)
+{
+    if (!state.HasMember(name) || !state[name].IsObject()) {
+        state.RemoveMember(name);
+        state.AddMember(rapidjson::Value(name, state.GetAllocator()), rapidjson::Value(rapidjson::kObjectType),
+                        state.GetAllocator());
+    }
+    return state[name];
+}
+
+std::vector<rapidjson::Value*> ObjectsIn(rapidjson::Value& parent, const char* arrayName)
+{
+    std::vector<rapidjson::Value*> objects;
+    if (parent.IsObject() && parent.HasMember(arrayName) && parent[arrayName].IsArray()) {
+        for (auto& element : parent[arrayName].GetArray()) {
+            if (element.IsObject()) {
+                objects.push_back(&element);
+            }
+        }
+    }
+    return objects;
+}
+
+}  // namespace LumavenSim

@@ -1,0 +1,114 @@
+#include "Report.h"
+
+#include "IntelState.h"
+#include "SimState.h"
+
+#include <cstdio>
+#include <sstream>
+
+namespace LumavenSim {
+
+namespace {
+
+std::string Text(const rapidjson::Value& object, const char* name)
+{
+    return object.IsObject() && object.HasMember(name) && object[name].IsString() ? object[name].GetString() : "";
+}
+
+std::string AmdDescription(const rapidjson::Document& state)
+{
+    std::ostringstream out;
+    if (state.HasMember("amd") && state["amd"].IsObject() && state["amd"].HasMember("adapters") &&
+        state["amd"]["adapters"].IsArray()) {
+        out << "amd display library:\n";
+        const auto& adapters = state["amd"]["adapters"];
+        for (rapidjson::SizeType a = 0; a < adapters.Size(); ++a) {
+            if (!adapters[a].HasMember("displays") || !adapters[a]["displays"].IsArray()) {
+                continue;
+            }
+            const auto& displays = adapters[a]["displays"];
+            for (rapidjson::SizeType d = 0; d < displays.Size(); ++d) {
+                out << "  adapter " << a << " display " << d << ": panel " << Text(displays[d], "panel") << "; DPCD";
+                if (displays[d].HasMember("dpcd") && displays[d]["dpcd"].IsObject() &&
+                    displays[d]["dpcd"].MemberCount() > 0) {
+                    for (const auto& reg : displays[d]["dpcd"].GetObject()) {
+                        char byte[8];
+                        std::snprintf(byte, sizeof byte, "%02X", reg.value.IsInt() ? reg.value.GetInt() & 0xFF : 0);
+                        out << " " << reg.name.GetString() << "=" << byte;
+                    }
+                } else {
+                    out << " all registers 00";
+                }
+                out << "\n";
+            }
+        }
+    }
+    if (state.HasMember("adlx") && state["adlx"].IsObject() && state["adlx"].HasMember("displays") &&
+        state["adlx"]["displays"].IsArray()) {
+        out << "adlx:\n";
+        const auto& displays = state["adlx"]["displays"];
+        for (rapidjson::SizeType d = 0; d < displays.Size(); ++d) {
+            const auto& display = displays[d];
+            const auto flag = [&display](const char* name) {
+                return display.HasMember(name) && display[name].IsBool() && display[name].GetBool();
+            };
+            out << "  display " << d << ": VariBright " << (flag("varibrightSupported") ? "supported" : "not supported")
+                << ", " << (flag("varibrightEnabled") ? "on" : "off");
+            if (!Text(display, "varibrightMode").empty()) {
+                out << ", level " << Text(display, "varibrightMode");
+            }
+            out << "\n";
+        }
+    }
+    return out.str();
+}
+
+bool IsAuxTransaction(const rapidjson::Document& record)
+{
+    const std::string call = Text(record, "call");
+    return call == "ctlAUXAccess" || call == "ADL2_Display_NativeAUXChannel_Access";
+}
+
+}  // namespace
+
+std::string DescribeDrivers()
+{
+    std::string text;
+    WithState([&text](rapidjson::Document& state) {
+        text = Intel::Describe(state) + AmdDescription(state);
+        return false;
+    });
+    return text;
+}
+
+std::string DescribeTransactions(bool auxOnly)
+{
+    std::ostringstream out;
+    for (const std::string& line : ReadTransactions()) {
+        rapidjson::Document record;
+        record.Parse(line.c_str());
+        if (record.HasParseError() || (auxOnly && !IsAuxTransaction(record))) {
+            continue;
+        }
+        if (!auxOnly) {
+            out << "  " << line << "\n";
+            continue;
+        }
+        const std::string call = Text(record, "call");
+        char address[16];
+        if (call == "ctlAUXAccess") {
+            std::snprintf(address, sizeof address, "%04X",
+                          record.HasMember("address") && record["address"].IsUint() ? record["address"].GetUint() : 0);
+            out << "  intel output " << (record.HasMember("output") ? record["output"].GetInt() : -1) << " AUX "
+                << Text(record, "op") << " " << address << ": " << Text(record, "data") << "\n";
+        } else {
+            std::snprintf(address, sizeof address, "%04X",
+                          record.HasMember("address") && record["address"].IsInt() ? record["address"].GetInt() : 0);
+            out << "  amd adapter " << record["adapter"].GetInt() << " display " << record["display"].GetInt()
+                << " AUX write " << address << ": " << Text(record, "bytes") << "\n";
+        }
+    }
+    return out.str();
+}
+
+}  // namespace LumavenSim

@@ -174,7 +174,7 @@ void Adlx::InitializeDisplay()
         m_services = nullptr;
         return;
     }
-    // The list is kept by ADLX, as the service leaves it.
+    // The list is given back once the first display is taken, as the service does.
     adlx::IADLXDisplayList* displays = nullptr;
     if (ADLX_SUCCEEDED(m_services->GetDisplays(&displays)) && displays != nullptr) {
         if (m_display != nullptr) {
@@ -182,10 +182,11 @@ void Adlx::InitializeDisplay()
             m_display = nullptr;
         }
         displays->At_DisplayList(0, &m_display);
+        displays->Release();
     }
 }
 
-// A fresh interface per call, left to ADLX's reference counting as the service leaves it.
+// A fresh interface per call, given back after its one call as the service does.
 adlx::IADLXDisplayVariBright* Adlx::VariBright()
 {
     adlx::IADLXDisplayVariBright* variBright = nullptr;
@@ -198,20 +199,35 @@ adlx::IADLXDisplayVariBright* Adlx::VariBright()
 bool Adlx::IsSupported()
 {
     adlx::IADLXDisplayVariBright* const variBright = VariBright();
+    if (variBright == nullptr) {
+        return false;
+    }
     adlx_bool supported = false;
-    return variBright != nullptr && ADLX_SUCCEEDED(variBright->IsSupported(&supported)) && supported;
+    const bool answered = ADLX_SUCCEEDED(variBright->IsSupported(&supported));
+    variBright->Release();
+    return answered && supported;
 }
 
 bool Adlx::SetEnabled(bool enable)
 {
     adlx::IADLXDisplayVariBright* const variBright = VariBright();
-    return variBright != nullptr && ADLX_SUCCEEDED(variBright->SetEnabled(enable));
+    if (variBright == nullptr) {
+        return false;
+    }
+    const bool done = ADLX_SUCCEEDED(variBright->SetEnabled(enable));
+    variBright->Release();
+    return done;
 }
 
 bool Adlx::SetMaximizeBattery()
 {
     adlx::IADLXDisplayVariBright* const variBright = VariBright();
-    return variBright != nullptr && ADLX_SUCCEEDED(variBright->SetMaximizeBattery());
+    if (variBright == nullptr) {
+        return false;
+    }
+    const bool done = ADLX_SUCCEEDED(variBright->SetMaximizeBattery());
+    variBright->Release();
+    return done;
 }
 
 }  // namespace LumavenBench

@@ -11,8 +11,8 @@
 
 namespace LumavenReliability {
 
-// The exit code of a process the watchdog ended.
-inline constexpr unsigned kHangExitCode = 3;
+// The exit code of a process the watchdog ended; not 3, which is what abort() leaves.
+inline constexpr unsigned kHangExitCode = 70;
 
 class Watchdog {
 public:

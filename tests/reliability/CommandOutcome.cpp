@@ -179,14 +179,7 @@ bool MayStoreOled(uint32_t command)
     }
 }
 
-void OutcomeTally::Count(uint32_t status)
-{
-    const std::lock_guard guard(m_lock);
-    ++m_calls;
-    ++m_statuses[status];
-}
-
-void OutcomeTally::Problem(const std::string& what)
+void ProblemList::Problem(const std::string& what)
 {
     const std::lock_guard guard(m_lock);
     ++m_problems;
@@ -195,16 +188,29 @@ void OutcomeTally::Problem(const std::string& what)
     }
 }
 
+uint64_t ProblemList::Problems() const
+{
+    const std::lock_guard guard(m_lock);
+    return m_problems;
+}
+
+std::vector<std::string> ProblemList::FirstProblems() const
+{
+    const std::lock_guard guard(m_lock);
+    return m_first;
+}
+
+void OutcomeTally::Count(uint32_t status)
+{
+    const std::lock_guard guard(m_lock);
+    ++m_calls;
+    ++m_statuses[status];
+}
+
 uint64_t OutcomeTally::Calls() const
 {
     const std::lock_guard guard(m_lock);
     return m_calls;
-}
-
-uint64_t OutcomeTally::Problems() const
-{
-    const std::lock_guard guard(m_lock);
-    return m_problems;
 }
 
 std::string OutcomeTally::Statuses() const
@@ -219,38 +225,11 @@ std::string OutcomeTally::Statuses() const
     return text;
 }
 
-std::vector<std::string> OutcomeTally::FirstProblems() const
-{
-    const std::lock_guard guard(m_lock);
-    return m_first;
-}
-
 void OledWatch::Check(const std::string& after)
 {
-    const std::string problem = CheckOledValue();
-    const std::lock_guard guard(m_lock);
-    ++m_checks;
-    if (!problem.empty() && m_problems++ == 0) {
-        m_first = problem + " after " + after;
+    if (const std::string problem = CheckOledValue(); !problem.empty()) {
+        Problem(problem + " after " + after);
     }
-}
-
-uint64_t OledWatch::Checks() const
-{
-    const std::lock_guard guard(m_lock);
-    return m_checks;
-}
-
-uint64_t OledWatch::Problems() const
-{
-    const std::lock_guard guard(m_lock);
-    return m_problems;
-}
-
-std::string OledWatch::FirstProblem() const
-{
-    const std::lock_guard guard(m_lock);
-    return m_first;
 }
 
 CheckedCall RunChecked(Xelto::Spanlet::Server::Services::XeltoService& service, const FuzzRequest& request,

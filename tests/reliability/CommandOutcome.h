@@ -37,39 +37,39 @@ std::string CheckOledValue();
 // Whether a command may store "OLED" (the OPST and Ed switches, the ELP setter, power save).
 bool MayStoreOled(uint32_t command);
 
-// Statuses seen and the first problems found, shared by the threads of a run.
-class OutcomeTally {
+// Problems found by the threads of a run: how many, and the first few for the message.
+class ProblemList {
 public:
-    void Count(uint32_t status);
     void Problem(const std::string& what);
-    uint64_t Calls() const;
     uint64_t Problems() const;
-    // "ok=12 invalid-request=34 ..."
-    std::string Statuses() const;
     std::vector<std::string> FirstProblems() const;
 
-private:
+protected:
     mutable std::mutex m_lock;
-    std::map<uint32_t, uint64_t> m_statuses;
-    uint64_t m_calls = 0;
+
+private:
     uint64_t m_problems = 0;
     std::vector<std::string> m_first;
 };
 
-// Checks the stored "OLED" value after the calls that may write it; shared by threads.
-class OledWatch {
+// Statuses seen and the problems found.
+class OutcomeTally : public ProblemList {
+public:
+    void Count(uint32_t status);
+    uint64_t Calls() const;
+    // "ok:12,invalid-request:34,..."
+    std::string Statuses() const;
+
+private:
+    std::map<uint32_t, uint64_t> m_statuses;
+    uint64_t m_calls = 0;
+};
+
+// Checks the stored "OLED" value after the calls that may write it.
+class OledWatch : public ProblemList {
 public:
     // `after` names the call just made, for the failure message.
     void Check(const std::string& after);
-    uint64_t Checks() const;
-    uint64_t Problems() const;
-    std::string FirstProblem() const;
-
-private:
-    mutable std::mutex m_lock;
-    uint64_t m_checks = 0;
-    uint64_t m_problems = 0;
-    std::string m_first;
 };
 
 struct CheckedCall {

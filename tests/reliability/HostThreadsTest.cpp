@@ -165,7 +165,7 @@ TEST_P(HostThreads, EightThreadsNeitherHangNorInterleavePanelWrites)
 
     EXPECT_EQ(figures.commands.load(), kThreads * perThread);
     EXPECT_EQ(tally.Problems(), 0u) << JoinLines(tally.FirstProblems());
-    EXPECT_EQ(oled.Problems(), 0u) << oled.FirstProblem();
+    EXPECT_EQ(oled.Problems(), 0u) << JoinLines(oled.FirstProblems());
     EXPECT_EQ(aux.violations, 0u) << JoinLines(aux.firstViolations);
     EXPECT_GT(aux.onSequences + aux.offSequences, 0u) << "no command reached the panel: the run proves nothing";
     EXPECT_LE(lines.Count(0), kThreads * displayOnBudget);

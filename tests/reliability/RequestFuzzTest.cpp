@@ -72,7 +72,7 @@ TEST_P(RequestFuzz, EveryRequestIsAnsweredByTheRulesAndThePanelGetsOnlyWholeSequ
     PrintSummary("fuzz", figures);
 
     EXPECT_EQ(tally.Problems(), 0u) << "repeat with LUMAVEN_SEED=" << RunSeed() << JoinLines(tally.FirstProblems());
-    EXPECT_EQ(oled.Problems(), 0u) << oled.FirstProblem();
+    EXPECT_EQ(oled.Problems(), 0u) << JoinLines(oled.FirstProblems());
     EXPECT_EQ(aux.violations, 0u) << JoinLines(aux.firstViolations);
     EXPECT_GT(aux.onSequences + aux.offSequences, 0u) << "no request reached the panel: the run proves nothing";
     EXPECT_TRUE(heapValid);

@@ -296,7 +296,7 @@ TEST_P(Soak, CommandsAndEventsLeaveMemoryAndHandlesFlat)
     EXPECT_EQ(reapplies, run.Cycles() - warmUpCycles) << "one re-apply per cycle, none for ordinary events";
     EXPECT_GE(run.Events() - warmUpEvents, events);
     EXPECT_EQ(run.Tally().Problems(), 0u) << JoinLines(run.Tally().FirstProblems());
-    EXPECT_EQ(run.Oled().Problems(), 0u) << run.Oled().FirstProblem();
+    EXPECT_EQ(run.Oled().Problems(), 0u) << JoinLines(run.Oled().FirstProblems());
     EXPECT_EQ(run.Aux().violations, 0u) << JoinLines(run.Aux().firstViolations);
 }
 

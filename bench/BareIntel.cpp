@@ -3,6 +3,7 @@
 #include "BareCalls.h"
 
 #include "intel/ControlLibFunctions.h"
+#include "intel/AuxRequest.h"
 
 #include <algorithm>
 #include <cstring>
@@ -92,17 +93,6 @@ bool SwitchOpst(const ControlLibrary& library, ctl_display_output_handle_t displ
     ctl_power_optimization_settings_t readBack = request;
     CTL_CALL(library, ctlGetPowerOptimizationSetting, display, &readBack);
     return readBack.Enable == enable;
-}
-
-ctl_aux_access_args_t AuxRequest(ctl_operation_type_t operation, const AuxWrite& entry)
-{
-    ctl_aux_access_args_t request{};
-    request.Size = sizeof request;
-    request.OpType = operation;
-    request.Flags = CTL_AUX_FLAG_NATIVE_AUX;
-    request.Address = entry.address;
-    request.DataSize = static_cast<uint32_t>(entry.data.size());
-    return request;
 }
 
 // The panel is looked up by walking the EDIDs for every display written, as the writer does.

@@ -1,4 +1,5 @@
 #include "intel/IntelAuxWriter.h"
+#include "intel/AuxRequest.h"
 
 #include "panel/PanelIdentity.h"
 #include "service/LumavenService.h"
@@ -11,17 +12,6 @@
 namespace Xelto::Spanlet::Server::Services::Lumaven {
 
 namespace {
-
-ctl_aux_access_args_t AuxRequest(ctl_operation_type_t operation, const AuxWrite& entry)
-{
-    ctl_aux_access_args_t request{};
-    request.Size = sizeof request;
-    request.OpType = operation;
-    request.Flags = CTL_AUX_FLAG_NATIVE_AUX;
-    request.Address = entry.address;
-    request.DataSize = static_cast<uint32_t>(entry.data.size());
-    return request;
-}
 
 // Three of the writer's lines report where the status word lives rather than its value; the
 // failing code itself reaches the log through the session's status line.

@@ -13,9 +13,16 @@ cmake/make-wineprefix.sh "$WINEPREFIX" >/dev/null
 bin="$root/build/bin"
 run() { (cd "$bin" && "$root/cmake/wine-run.sh" "$@"); }
 
+failed=0
 for laptop in intel-laptop amd-laptop; do
   run lumaven-sim.exe install "profiles/$laptop.json" >/dev/null
-  table=$(run xelto-host.exe --quiet bench "$rounds")
+  status=0
+  table=$(run xelto-host.exe --quiet bench "$rounds") || status=$?
   printf '\n== %s\n' "$laptop"
   printf '%s\n' "$table" | grep -v -e '^service ' -e '^startup_task done'
+  if [ "$status" -ne 0 ]; then
+    echo "xelto-host bench exited with code $status on $laptop" >&2
+    failed=1
+  fi
 done
+exit $failed

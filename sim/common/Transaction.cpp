@@ -2,6 +2,8 @@
 
 #include "SimState.h"
 
+#include <windows.h>
+
 namespace LumavenSim {
 
 Transaction::Transaction(const std::string& library, const char* call)
@@ -48,6 +50,25 @@ std::vector<rapidjson::Value*> ObjectsIn(rapidjson::Value& parent, const char* a
         }
     }
     return objects;
+}
+
+void CountLoadsAndUnloads(const char* section, unsigned long reason, void* reserved)
+{
+    const char* counter = reason == DLL_PROCESS_ATTACH                           ? "loads"
+                          : reason == DLL_PROCESS_DETACH && reserved == nullptr ? "unloads"
+                                                                                 : nullptr;
+    if (counter == nullptr) {
+        return;
+    }
+    WithState([section, counter](rapidjson::Document& state) {
+        rapidjson::Value& object = Section(state, section);
+        const int64_t count =
+            object.HasMember(counter) && object[counter].IsInt64() ? object[counter].GetInt64() + 1 : 1;
+        object.RemoveMember(counter);
+        object.AddMember(rapidjson::Value(counter, state.GetAllocator()), rapidjson::Value(count),
+                         state.GetAllocator());
+        return true;
+    });
 }
 
 }  // namespace LumavenSim

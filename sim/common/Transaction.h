@@ -40,4 +40,9 @@ rapidjson::Value& Section(rapidjson::Document& state, const char* name);
 // The objects of the array member `arrayName` of `parent`, in order.
 std::vector<rapidjson::Value*> ObjectsIn(rapidjson::Value& parent, const char* arrayName);
 
+// For a fake's DllMain: counts "loads" and "unloads" in its section, so tests can tell how
+// often the service loaded it. Only FreeLibrary counts as an unload; at process exit the
+// state is left alone.
+void CountLoadsAndUnloads(const char* section, unsigned long reason, void* reserved);
+
 }  // namespace LumavenSim

@@ -164,17 +164,6 @@ rapidjson::Value& RegisterFile(rapidjson::Document& state, rapidjson::Value& dis
     return display["dpcd"];
 }
 
-void CountLibraryEvent(const char* counter)
-{
-    LumavenSim::WithState([counter](rapidjson::Document& state) {
-        rapidjson::Value& amd = AmdSection(state);
-        const int64_t count = amd.HasMember(counter) && amd[counter].IsInt64() ? amd[counter].GetInt64() + 1 : 1;
-        amd.RemoveMember(counter);
-        amd.AddMember(rapidjson::Value(counter, state.GetAllocator()), rapidjson::Value(count), state.GetAllocator());
-        return true;
-    });
-}
-
 }  // namespace
 
 extern "C" {
@@ -450,11 +439,8 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved)
     if (reason == DLL_PROCESS_ATTACH) {
         g_self = instance;
         DisableThreadLibraryCalls(instance);
-        CountLibraryEvent("loads");
-    } else if (reason == DLL_PROCESS_DETACH && reserved == nullptr) {
-        // Only a FreeLibrary counts; at process exit the state is left alone.
-        CountLibraryEvent("unloads");
     }
+    LumavenSim::CountLoadsAndUnloads("amd", reason, reserved);
     return TRUE;
 }
 

@@ -513,16 +513,6 @@ void SetInitialized(bool initialized)
     });
 }
 
-void CountLibraryEvent(const char* counter)
-{
-    LumavenSim::WithState([counter](rapidjson::Document& state) {
-        rapidjson::Value& section = AdlxSection(state);
-        const int64_t count = section.HasMember(counter) && section[counter].IsInt64() ? section[counter].GetInt64() + 1 : 1;
-        SetMember(state, section, counter, rapidjson::Value(count));
-        return true;
-    });
-}
-
 ADLX_RESULT Initialize(const char* call, adlx_uint64 version, IADLXSystem** ppSystem)
 {
     Record record(call);
@@ -622,11 +612,8 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved)
 {
     if (reason == DLL_PROCESS_ATTACH) {
         DisableThreadLibraryCalls(instance);
-        CountLibraryEvent("loads");
-    } else if (reason == DLL_PROCESS_DETACH && reserved == nullptr) {
-        // Only a FreeLibrary counts; at process exit the state is left alone.
-        CountLibraryEvent("unloads");
     }
+    LumavenSim::CountLoadsAndUnloads("adlx", reason, reserved);
     return TRUE;
 }
 

@@ -9,22 +9,42 @@ namespace Xelto::Spanlet::Server::Services::Lumaven {
 // Command 9 takes no lock in the dispatcher: each setter holds m_mutex for its whole run,
 // the nested Ed handler or the AUX write included.
 
+namespace {
+
+// What both setters check first, in this order: a request, a usable "BValue" (refused with
+// the setter's own log line), a supported panel.
+struct ElpRequest {
+    uint32_t refusal = StatusSuccess;
+    bool on = false;
+};
+
+ElpRequest CheckElpRequest(const Document* request, PanelId panel, TraceLogger& log, const wchar_t* checkFailed)
+{
+    if (request == nullptr) {
+        return {StatusInvalidArgument};
+    }
+    const BValue value = ReadBValue(*request);
+    if (value == BValue::Missing) {
+        log.LogInfo(checkFailed);
+        return {StatusInvalidArgument};
+    }
+    if (panel == 0) {
+        return {StatusDeviceError};
+    }
+    return {StatusSuccess, value == BValue::On};
+}
+
+}  // namespace
+
 uint32_t LumavenService::SetIntelElp(Document* request, Document* response, uint64_t contextWord, uint64_t)
 {
     return Guarded(Handler::SetIntelElp, [&] {
         const std::lock_guard lock(m_mutex);
-        if (request == nullptr) {
-            return StatusInvalidArgument;
+        const ElpRequest checked = CheckElpRequest(request, m_panelId, *m_logger, L"SetIntelElp() check data failed\n\n");
+        if (checked.refusal != StatusSuccess) {
+            return checked.refusal;
         }
-        const BValue value = ReadBValue(*request);
-        if (value == BValue::Missing) {
-            m_logger->LogInfo(L"SetIntelElp() check data failed\n\n");
-            return StatusInvalidArgument;
-        }
-        if (m_panelId == 0) {
-            return StatusDeviceError;
-        }
-        return value == BValue::On ? EnableEd(request, response, contextWord) : DisableEd(request, response, contextWord);
+        return checked.on ? EnableEd(request, response, contextWord) : DisableEd(request, response, contextWord);
     });
 }
 
@@ -32,16 +52,12 @@ uint32_t LumavenService::SetAmdElp(Document* request, Document* response, uint64
 {
     return Guarded(Handler::SetAmdElp, [&] {
         const std::lock_guard lock(m_mutex);
-        if (request == nullptr) {
-            return StatusInvalidArgument;
+        const ElpRequest checked = CheckElpRequest(request, m_panelId, *m_logger, L"SetAmdElp() check data failed\n\n");
+        if (checked.refusal != StatusSuccess) {
+            return checked.refusal;
         }
-        const BValue value = ReadBValue(*request);
-        if (value == BValue::Missing) {
-            m_logger->LogInfo(L"SetAmdElp() check data failed\n\n");
-            return StatusInvalidArgument;
-        }
-        const bool on = value == BValue::On;
-        if (m_panelId == 0 || !m_auxData) {
+        const bool on = checked.on;
+        if (!m_auxData) {
             return StatusDeviceError;
         }
         const auto found = m_auxData->find({m_panelId, on});

@@ -147,13 +147,19 @@ TEST(ExecuteCommand, CallbackIsNeverCalledAndIsReleased)
     EXPECT_FALSE(called);
 }
 
+// A response whose compact text is exactly `length` characters: {"s":"..."} puts 8 around
+// the string.
+static void FillResponseOfLength(Document& response, size_t length)
+{
+    response.SetObject();
+    const std::wstring text(length - 8, L'x');
+    response.AddMember(L"s", JsonValue(text.c_str(), response.GetAllocator()), response.GetAllocator());
+}
+
 TEST(ResponseText, ResponsesUpTo65535CharactersAreCopied)
 {
     Document response;
-    response.SetObject();
-    // {"s":"..."} is 8 characters around the string.
-    const std::wstring text(65535 - 8, L'x');
-    response.AddMember(L"s", JsonValue(text.c_str(), response.GetAllocator()), response.GetAllocator());
+    FillResponseOfLength(response, 65535);
     wchar_t* out = nullptr;
     EXPECT_EQ(CopyResponseText(response, &out), StatusSuccess);
     ASSERT_NE(out, nullptr);
@@ -164,9 +170,7 @@ TEST(ResponseText, ResponsesUpTo65535CharactersAreCopied)
 TEST(ResponseText, LongerResponsesAreRefusedWithANullText)
 {
     Document response;
-    response.SetObject();
-    const std::wstring text(65536 - 8, L'x');
-    response.AddMember(L"s", JsonValue(text.c_str(), response.GetAllocator()), response.GetAllocator());
+    FillResponseOfLength(response, 65536);
     wchar_t* out = kUntouched;
     EXPECT_EQ(CopyResponseText(response, &out), StatusInvalidArgument);
     EXPECT_EQ(out, nullptr);

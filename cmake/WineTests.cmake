@@ -9,8 +9,19 @@ if(CMAKE_CROSSCOMPILING_EMULATOR)
   set_tests_properties(wineprefix PROPERTIES FIXTURES_SETUP wineprefix TIMEOUT 300)
 endif()
 
+# Under Wine a crashed test program can still exit with code 0, so a GoogleTest program
+# passes only on GoogleTest's own report (cmake/gtest-run.sh); natively the exit code holds.
 function(lumaven_add_wine_test name target)
-  add_test(NAME ${name} COMMAND ${target} ${ARGN} WORKING_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+  if(CMAKE_CROSSCOMPILING_EMULATOR)
+    add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/cmake/gtest-run.sh $<TARGET_FILE:${target}> ${ARGN}
+             WORKING_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+  else()
+    add_test(NAME ${name} COMMAND ${target} ${ARGN} WORKING_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+  endif()
+  lumaven_wine_test_properties(${name})
+endfunction()
+
+function(lumaven_wine_test_properties name)
   set_tests_properties(${name} PROPERTIES
     FIXTURES_REQUIRED wineprefix
     RESOURCE_LOCK wineprefix

@@ -25,7 +25,7 @@ root=$(pwd)
 export WINEPREFIX="$root/build/wineprefix"
 cmake/make-wineprefix.sh "$WINEPREFIX" >/dev/null
 log="$root/build/reliability.log"
-( cd build/bin && "$root/cmake/wine-run.sh" reliability_tests.exe "$@"; echo $? >"$log.status" ) 2>&1 | tee "$log"
+( cd build/bin && "$root/cmake/gtest-run.sh" reliability_tests.exe "$@"; echo $? >"$log.status" ) 2>&1 | tee "$log"
 status=$(cat "$log.status")
 echo
 echo "== summary (also in $log)"

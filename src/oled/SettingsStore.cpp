@@ -1,7 +1,5 @@
 #include "oled/SettingsStore.h"
 
-#include "util/UniqueHandles.h"
-
 #include "xelto/Logging.h"
 
 namespace Xelto::Spanlet::Server::Services::Lumaven {
@@ -16,7 +14,7 @@ TraceLogger* FreshLogger()
 
 }  // namespace
 
-HKEY OpenOrCreateSettingsKey(int, const wchar_t* subkey)
+LumavenUtil::UniqueHkey OpenOrCreateSettingsKey(const wchar_t* subkey)
 {
     TraceLogger* logger = FreshLogger();
     HKEY key = nullptr;
@@ -28,7 +26,7 @@ HKEY OpenOrCreateSettingsKey(int, const wchar_t* subkey)
     if (status != ERROR_SUCCESS) {
         logger->LogError(L"Something is wrong. Could not Open or Create the Key: %lld", static_cast<long long>(status));
     }
-    return key;
+    return LumavenUtil::UniqueHkey(key);
 }
 
 bool SetSettingsDword(HKEY key, const wchar_t* valueName, uint32_t data)
@@ -46,13 +44,13 @@ bool SetSettingsDword(HKEY key, const wchar_t* valueName, uint32_t data)
 
 void StoreOledSetting(uint32_t value)
 {
-    const LumavenUtil::UniqueHkey key(OpenOrCreateSettingsKey(0, kSettingsKeyPath));
+    const LumavenUtil::UniqueHkey key = OpenOrCreateSettingsKey(kSettingsKeyPath);
     SetSettingsDword(key.get(), kOledValueName, value);
 }
 
 OledSetting ReadOledSetting()
 {
-    const LumavenUtil::UniqueHkey key(OpenOrCreateSettingsKey(0, kSettingsKeyPath));
+    const LumavenUtil::UniqueHkey key = OpenOrCreateSettingsKey(kSettingsKeyPath);
     OledSetting setting;
     DWORD type = REG_DWORD;
     DWORD size = sizeof setting.data;

@@ -2,6 +2,8 @@
 // as the DWORD "OLED" under HKLM\SOFTWARE\Xelto\Xelto Lumaven. Missing means off.
 #pragma once
 
+#include "util/UniqueHandles.h"
+
 #include <windows.h>
 
 #include <cstdint>
@@ -11,9 +13,8 @@ namespace Xelto::Spanlet::Server::Services::Lumaven {
 inline constexpr wchar_t kSettingsKeyPath[] = L"SOFTWARE\\Xelto\\Xelto Lumaven";
 inline constexpr wchar_t kOledValueName[] = L"OLED";
 
-// Opens the key, creating it when it does not exist. The first argument is not used. The
-// caller owns the handle (null after a failure, which is logged).
-HKEY OpenOrCreateSettingsKey(int ignored, const wchar_t* subkey);
+// Opens the key, creating it when it does not exist; empty after a failure, which is logged.
+LumavenUtil::UniqueHkey OpenOrCreateSettingsKey(const wchar_t* subkey);
 // Writes `data` as a 4-byte REG_DWORD; false (and a log line) on failure.
 bool SetSettingsDword(HKEY key, const wchar_t* valueName, uint32_t data);
 

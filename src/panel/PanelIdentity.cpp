@@ -89,7 +89,7 @@ std::vector<EdidBlock> ReadMonitorEdids()
         return edids;
     }
     const LumavenUtil::UniqueDevInfo devices(SetupDiGetClassDevsW(&guids[0], nullptr, nullptr, DIGCF_PRESENT));
-    if (devices.get() == INVALID_HANDLE_VALUE) {
+    if (!devices) {
         return edids;
     }
     SP_DEVINFO_DATA device{};
@@ -97,7 +97,7 @@ std::vector<EdidBlock> ReadMonitorEdids()
     for (DWORD index = 0; SetupDiEnumDeviceInfo(devices.get(), index, &device); ++index) {
         const LumavenUtil::UniqueHkey key(
             SetupDiOpenDevRegKey(devices.get(), &device, DICS_FLAG_GLOBAL, 0, DIREG_DEV, KEY_READ));
-        if (key.get() == INVALID_HANDLE_VALUE) {
+        if (!key) {
             continue;
         }
         EdidBlock block{};

@@ -311,7 +311,7 @@ Outcome Run(LumavenService& service, const Action& action)
     }
     case Act::OpenUnusablePath: {
         // A leading separator makes the path one that no key can have.
-        const UniqueHkey key(OpenOrCreateSettingsKey(0, L"\\SOFTWARE\\Xelto\\Xelto Lumaven"));
+        const UniqueHkey key = OpenOrCreateSettingsKey(L"\\SOFTWARE\\Xelto\\Xelto Lumaven");
         outcome.status = key ? 1 : 0;
         break;
     }

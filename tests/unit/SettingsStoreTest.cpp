@@ -17,7 +17,7 @@ TEST(SettingsStore, OpenOrCreateCreatesTheMissingKey)
 {
     LumavenTest::DeleteSettingsKey();
     LogCapture capture;
-    const LumavenUtil::UniqueHkey key(OpenOrCreateSettingsKey(0, kSettingsKeyPath));
+    const LumavenUtil::UniqueHkey key = OpenOrCreateSettingsKey(kSettingsKeyPath);
     EXPECT_NE(key.get(), nullptr);
     EXPECT_TRUE(LumavenTest::SettingsKeyExists());
     EXPECT_TRUE(capture.Texts().empty());
@@ -27,7 +27,7 @@ TEST(SettingsStore, SetSettingsDwordWritesAFourByteDword)
 {
     LumavenTest::DeleteSettingsKey();
     {
-        const LumavenUtil::UniqueHkey key(OpenOrCreateSettingsKey(0, kSettingsKeyPath));
+        const LumavenUtil::UniqueHkey key = OpenOrCreateSettingsKey(kSettingsKeyPath);
         EXPECT_TRUE(SetSettingsDword(key.get(), L"OLED", 1));
     }
     EXPECT_EQ(LumavenTest::OledDword(), 1u);
@@ -40,9 +40,9 @@ TEST(SettingsStore, FailedOpenIsLoggedAndTheFollowingSetFails)
     LogCapture capture;
     // A key name component longer than the registry allows cannot be created.
     const std::wstring tooLong = std::wstring(L"SOFTWARE\\Xelto\\") + std::wstring(300, L'k');
-    HKEY key = OpenOrCreateSettingsKey(0, tooLong.c_str());
-    EXPECT_EQ(key, nullptr);
-    EXPECT_FALSE(SetSettingsDword(key, L"OLED", 1));
+    const LumavenUtil::UniqueHkey key = OpenOrCreateSettingsKey(tooLong.c_str());
+    EXPECT_FALSE(key);
+    EXPECT_FALSE(SetSettingsDword(key.get(), L"OLED", 1));
     const auto texts = capture.Texts();
     ASSERT_EQ(texts.size(), 2u);
     EXPECT_EQ(texts[0].rfind(L"Something is wrong. Could not Open or Create the Key: ", 0), 0u) << texts[0];

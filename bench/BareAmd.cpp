@@ -2,6 +2,7 @@
 #include "BareCalls.h"
 
 #include "amd/AdlTypes.h"
+#include "util/ProcAddress.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -11,16 +12,12 @@ namespace LumavenBench {
 
 namespace {
 
+using LumavenUtil::ResolveProc;
+
 constexpr DWORD kAdlxLoadFlags = LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_USER_DIRS |
                                  LOAD_LIBRARY_SEARCH_SYSTEM32 | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS;
 constexpr int kEnumConnectedAdapters = 1;
 constexpr int kAuxCommandWrite = 1;
-
-template <class Function>
-Function Resolve(HMODULE module, const char* name)
-{
-    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(module, name)));
-}
 
 void* __stdcall AdlAlloc(int size)
 {
@@ -30,13 +27,13 @@ void* __stdcall AdlAlloc(int size)
 // The seven entry points the writer binds before its first call.
 struct AdlEntryPoints {
     explicit AdlEntryPoints(HMODULE module)
-        : edid(Resolve<Adl::ADL2_DISPLAY_EDIDDATA_GET>(module, "ADL2_Display_EdidData_Get")),
-          create(Resolve<Adl::ADL2_MAIN_CONTROL_CREATE>(module, "ADL2_Main_Control_Create")),
-          adapterCount(Resolve<Adl::ADL2_ADAPTER_NUMBEROFADAPTERS_GET>(module, "ADL2_Adapter_NumberOfAdapters_Get")),
-          adapterInfo(Resolve<Adl::ADL2_ADAPTER_ADAPTERINFO_GET>(module, "ADL2_Adapter_AdapterInfo_Get")),
-          displayInfo(Resolve<Adl::ADL2_DISPLAY_DISPLAYINFO_GET>(module, "ADL2_Display_DisplayInfo_Get")),
-          destroy(Resolve<Adl::ADL2_MAIN_CONTROL_DESTROY>(module, "ADL2_Main_Control_Destroy")),
-          aux(Resolve<Adl::ADL2_DISPLAY_NATIVEAUXCHANNEL_ACCESS>(module, "ADL2_Display_NativeAUXChannel_Access"))
+        : edid(ResolveProc<Adl::ADL2_DISPLAY_EDIDDATA_GET>(module, "ADL2_Display_EdidData_Get")),
+          create(ResolveProc<Adl::ADL2_MAIN_CONTROL_CREATE>(module, "ADL2_Main_Control_Create")),
+          adapterCount(ResolveProc<Adl::ADL2_ADAPTER_NUMBEROFADAPTERS_GET>(module, "ADL2_Adapter_NumberOfAdapters_Get")),
+          adapterInfo(ResolveProc<Adl::ADL2_ADAPTER_ADAPTERINFO_GET>(module, "ADL2_Adapter_AdapterInfo_Get")),
+          displayInfo(ResolveProc<Adl::ADL2_DISPLAY_DISPLAYINFO_GET>(module, "ADL2_Display_DisplayInfo_Get")),
+          destroy(ResolveProc<Adl::ADL2_MAIN_CONTROL_DESTROY>(module, "ADL2_Main_Control_Destroy")),
+          aux(ResolveProc<Adl::ADL2_DISPLAY_NATIVEAUXCHANNEL_ACCESS>(module, "ADL2_Display_NativeAUXChannel_Access"))
     {
     }
     bool Complete() const
@@ -134,9 +131,9 @@ Adlx::Adlx() : m_module(LoadLibraryExW(L"amdadlx64.dll", nullptr, kAdlxLoadFlags
     if (m_module == nullptr) {
         return;
     }
-    m_fullVersion = Resolve<ADLXQueryFullVersion_Fn>(m_module, ADLX_QUERY_FULL_VERSION_FUNCTION_NAME);
-    m_version = Resolve<ADLXQueryVersion_Fn>(m_module, ADLX_QUERY_VERSION_FUNCTION_NAME);
-    m_initialize = Resolve<ADLXInitialize_Fn>(m_module, ADLX_INIT_FUNCTION_NAME);
+    m_fullVersion = ResolveProc<ADLXQueryFullVersion_Fn>(m_module, ADLX_QUERY_FULL_VERSION_FUNCTION_NAME);
+    m_version = ResolveProc<ADLXQueryVersion_Fn>(m_module, ADLX_QUERY_VERSION_FUNCTION_NAME);
+    m_initialize = ResolveProc<ADLXInitialize_Fn>(m_module, ADLX_INIT_FUNCTION_NAME);
     InitializeDisplay();
 }
 

@@ -4,6 +4,7 @@
 
 #include "intel/ControlLibFunctions.h"
 #include "intel/AuxRequest.h"
+#include "util/ProcAddress.h"
 
 #include <algorithm>
 #include <cstring>
@@ -11,6 +12,8 @@
 namespace LumavenBench {
 
 namespace {
+
+using LumavenUtil::ResolveProc;
 
 // A pointer type per entry point, named after it, from the project's one table of them.
 #define LUMAVEN_BENCH_CTL_POINTER(name, ...) using name##_fn = ctl_result_t(CTL_APICALL*)(__VA_ARGS__);
@@ -41,7 +44,7 @@ public:
     template <class Function, class... Args>
     ctl_result_t Call(const char* name, Args... args) const
     {
-        const auto function = reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(m_module, name)));
+        const auto function = ResolveProc<Function>(m_module, name);
         return function != nullptr ? function(args...) : CTL_RESULT_ERROR_NOT_INITIALIZED;
     }
 

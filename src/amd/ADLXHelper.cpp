@@ -1,19 +1,13 @@
 #include "amd/ADLXHelper.h"
 
+#include "util/ProcAddress.h"
+
 namespace {
 
 constexpr wchar_t kAdlxLibrary[] = L"amdadlx64.dll";
 constexpr DWORD kAdlxLoadFlags = LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_USER_DIRS |
                                  LOAD_LIBRARY_SEARCH_SYSTEM32 | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS;
 static_assert(kAdlxLoadFlags == 0x1E00);
-
-template <class Function>
-Function Resolve(HMODULE module, const char* name)
-{
-    // Through the generic function pointer type, which converts to any other without a
-    // cast-function-type warning.
-    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(module, name)));
-}
 
 // The library load under which each process-wide object was obtained (see LoadCount).
 uint64_t g_displayServicesLoad = 0;
@@ -54,20 +48,18 @@ ADLX_RESULT ADLXHelper::Initialize()
         m_hDLLHandle = LoadLibraryExW(kAdlxLibrary, nullptr, kAdlxLoadFlags);
         if (m_hDLLHandle != nullptr) {
             ++m_loads;
-            m_fullVersionFn = Resolve<ADLXQueryFullVersion_Fn>(m_hDLLHandle, ADLX_QUERY_FULL_VERSION_FUNCTION_NAME);
-            m_versionFn = Resolve<ADLXQueryVersion_Fn>(m_hDLLHandle, ADLX_QUERY_VERSION_FUNCTION_NAME);
-            m_initWithCallerAdlFn =
-                Resolve<ADLXInitializeWithCallerAdl_Fn>(m_hDLLHandle, ADLX_INIT_WITH_CALLER_ADL_FUNCTION_NAME);
-            m_initWithIncompatibleDriverFn = Resolve<ADLXInitializeWithIncompatibleDriver_Fn>(
-                m_hDLLHandle, ADLX_INIT_WITH_INCOMPATIBLE_DRIVER_FUNCTION_NAME);
-            m_initFn = Resolve<ADLXInitialize_Fn>(m_hDLLHandle, ADLX_INIT_FUNCTION_NAME);
-            m_terminateFn = Resolve<ADLXTerminate_Fn>(m_hDLLHandle, ADLX_TERMINATE_FUNCTION_NAME);
+#define LUMAVEN_ADLX_RESOLVE(member, type, name) member = LumavenUtil::ResolveProc<type>(m_hDLLHandle, name);
+            LUMAVEN_ADLX_ENTRY_POINTS(LUMAVEN_ADLX_RESOLVE)
+#undef LUMAVEN_ADLX_RESOLVE
         }
     }
     // All six are required, also the two initialisations that are never called: a library
     // without them is not the ADLX this service is built for.
-    if (m_fullVersionFn == nullptr || m_versionFn == nullptr || m_initWithCallerAdlFn == nullptr ||
-        m_initWithIncompatibleDriverFn == nullptr || m_initFn == nullptr || m_terminateFn == nullptr) {
+    bool bound = true;
+#define LUMAVEN_ADLX_BOUND(member, type, name) bound = bound && member != nullptr;
+    LUMAVEN_ADLX_ENTRY_POINTS(LUMAVEN_ADLX_BOUND)
+#undef LUMAVEN_ADLX_BOUND
+    if (!bound) {
         return ADLX_FAIL;
     }
     m_fullVersionFn(&m_ADLXFullVersion);
@@ -85,12 +77,9 @@ ADLX_RESULT ADLXHelper::Terminate()
     m_pSystemServices = nullptr;
     m_pAdlMapping = nullptr;
     const ADLX_RESULT result = m_terminateFn != nullptr ? m_terminateFn() : ADLX_OK;
-    m_fullVersionFn = nullptr;
-    m_versionFn = nullptr;
-    m_initWithCallerAdlFn = nullptr;
-    m_initWithIncompatibleDriverFn = nullptr;
-    m_initFn = nullptr;
-    m_terminateFn = nullptr;
+#define LUMAVEN_ADLX_CLEAR(member, type, name) member = nullptr;
+    LUMAVEN_ADLX_ENTRY_POINTS(LUMAVEN_ADLX_CLEAR)
+#undef LUMAVEN_ADLX_CLEAR
     FreeLibrary(m_hDLLHandle);
     m_hDLLHandle = nullptr;
     return result;

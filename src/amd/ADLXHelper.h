@@ -11,6 +11,17 @@
 
 #include <cstdint>
 
+// ADLX's six exports in the order they are resolved, as X(member, function type, export
+// name). The helper binds all of them from this one list and needs all of them.
+#define LUMAVEN_ADLX_ENTRY_POINTS(X)                                                                        \
+    X(m_fullVersionFn, ADLXQueryFullVersion_Fn, ADLX_QUERY_FULL_VERSION_FUNCTION_NAME)                      \
+    X(m_versionFn, ADLXQueryVersion_Fn, ADLX_QUERY_VERSION_FUNCTION_NAME)                                   \
+    X(m_initWithCallerAdlFn, ADLXInitializeWithCallerAdl_Fn, ADLX_INIT_WITH_CALLER_ADL_FUNCTION_NAME)       \
+    X(m_initWithIncompatibleDriverFn, ADLXInitializeWithIncompatibleDriver_Fn,                              \
+      ADLX_INIT_WITH_INCOMPATIBLE_DRIVER_FUNCTION_NAME)                                                     \
+    X(m_initFn, ADLXInitialize_Fn, ADLX_INIT_FUNCTION_NAME)                                                 \
+    X(m_terminateFn, ADLXTerminate_Fn, ADLX_TERMINATE_FUNCTION_NAME)
+
 class ADLXHelper {
 public:
     constexpr ADLXHelper() = default;
@@ -39,12 +50,9 @@ private:
     const char* m_ADLXVersion = nullptr;  // owned by ADLX
     adlx::IADLXSystem* m_pSystemServices = nullptr;
     adlx::IADLMapping* m_pAdlMapping = nullptr;  // only the caller-ADL initialisation fills it
-    ADLXQueryFullVersion_Fn m_fullVersionFn = nullptr;
-    ADLXQueryVersion_Fn m_versionFn = nullptr;
-    ADLXInitializeWithCallerAdl_Fn m_initWithCallerAdlFn = nullptr;
-    ADLXInitializeWithIncompatibleDriver_Fn m_initWithIncompatibleDriverFn = nullptr;
-    ADLXInitialize_Fn m_initFn = nullptr;
-    ADLXTerminate_Fn m_terminateFn = nullptr;
+#define LUMAVEN_ADLX_MEMBER(member, type, name) type member = nullptr;
+    LUMAVEN_ADLX_ENTRY_POINTS(LUMAVEN_ADLX_MEMBER)
+#undef LUMAVEN_ADLX_MEMBER
     uint64_t m_loads = 0;
 };
 

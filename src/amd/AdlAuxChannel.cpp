@@ -2,6 +2,8 @@
 
 #include "amd/AdlTypes.h"
 
+#include "util/ProcAddress.h"
+
 #include "xelto/Logging.h"
 
 #include <windows.h>
@@ -51,14 +53,6 @@ constexpr int kAuxCommandWrite = 1;
 
 constexpr int kEnumConnectedAdapters = 1;
 constexpr int64_t kMaxAdapterBufferBytes = 0x80000000LL;
-
-template <class Function>
-Function Resolve(HMODULE module, const char* name)
-{
-    // Through the generic function pointer type, which converts to any other without a
-    // cast-function-type warning.
-    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(module, name)));
-}
 
 void* __stdcall AdlMainMemoryAlloc(int size)
 {
@@ -180,7 +174,7 @@ bool WriteAuxDataAmd(PanelId panelId, std::vector<AuxWrite> writes)
         return false;
     }
     g_adl.module = module;
-#define LUMAVEN_ADL_RESOLVE(name, type, required) g_adl.name = Resolve<Adl::type>(module, #name);
+#define LUMAVEN_ADL_RESOLVE(name, type, required) g_adl.name = LumavenUtil::ResolveProc<Adl::type>(module, #name);
     LUMAVEN_ADL_ENTRY_POINTS(LUMAVEN_ADL_RESOLVE)
 #undef LUMAVEN_ADL_RESOLVE
 

@@ -1,5 +1,7 @@
 #include "intel/ControlLibClient.h"
 
+#include "util/ProcAddress.h"
+
 #include <cwchar>
 
 // strsafe.h renames the plain formatting functions to deprecation messages; it comes last.
@@ -27,8 +29,7 @@ Function LookUp(const char* name)
     if (controlLibModule == nullptr) {
         return nullptr;
     }
-    // Through void(*)(): GCC accepts a cast from it to any function type without a warning.
-    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(controlLibModule, name)));
+    return LumavenUtil::ResolveProc<Function>(controlLibModule, name);
 }
 
 }  // namespace

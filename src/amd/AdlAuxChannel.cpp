@@ -3,6 +3,7 @@
 #include "amd/AdlTypes.h"
 
 #include "util/ProcAddress.h"
+#include "util/UniqueHandles.h"
 
 #include "xelto/Logging.h"
 
@@ -12,6 +13,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <utility>
 
 namespace Xelto::Spanlet::Server::Services::Lumaven {
 
@@ -29,17 +32,33 @@ namespace {
     X(ADL2_Main_Control_Destroy, ADL2_MAIN_CONTROL_DESTROY, true)                        \
     X(ADL2_Display_NativeAUXChannel_Access, ADL2_DISPLAY_NATIVEAUXCHANNEL_ACCESS, false)
 
+// An ADL context, destroyed through the entry point of the library that created it.
+struct AdlContextDestroyer {
+    Adl::ADL2_MAIN_CONTROL_DESTROY destroy = nullptr;
+    void operator()(Adl::ADL_CONTEXT_HANDLE context) const
+    {
+        if (destroy != nullptr) {
+            destroy(context);
+        }
+    }
+};
+using UniqueAdlContext = std::unique_ptr<void, AdlContextDestroyer>;
+
 // What one WriteAuxDataAmd call holds of ADL. It is process-wide so that a call that stops
 // early (which leaves the library loaded and its context alive) can still be released later,
-// by the next call or by the service's destructor.
+// by the next call, by the service's destructor or, failing both, at module unload. The
+// owners are declared in the order they are taken, so they are given back in reverse: the
+// buffers, then the context, then the library.
 struct AdlBinding {
-    HMODULE module = nullptr;
+    LumavenUtil::UniqueModule module;
+    // Bound from `module`; valid while it is loaded.
 #define LUMAVEN_ADL_MEMBER(name, type, required) Adl::type name = nullptr;
     LUMAVEN_ADL_ENTRY_POINTS(LUMAVEN_ADL_MEMBER)
 #undef LUMAVEN_ADL_MEMBER
-    Adl::ADL_CONTEXT_HANDLE context = nullptr;
-    Adl::AdapterInfo* adapterInfo = nullptr;     // malloc'ed here
-    Adl::ADLDisplayInfo* displayInfo = nullptr;  // allocated by ADL through AdlMainMemoryAlloc
+    UniqueAdlContext context;
+    LumavenUtil::MallocPtr<Adl::AdapterInfo[]> adapterInfo;
+    // Allocated by ADL through AdlMainMemoryAlloc, so freed like a malloc block.
+    LumavenUtil::MallocPtr<Adl::ADLDisplayInfo[]> displayInfo;
 };
 
 AdlBinding g_adl;
@@ -81,7 +100,7 @@ PanelId ReadPanelIdAt(TraceLogger* logger, int adapterPosition, int displayPosit
     }
     Adl::ADLDisplayEDIDData edid{};
     edid.iSize = sizeof edid;
-    if (g_adl.ADL2_Display_EdidData_Get(g_adl.context, adapterPosition, displayPosition, &edid) != Adl::ADL_OK) {
+    if (g_adl.ADL2_Display_EdidData_Get(g_adl.context.get(), adapterPosition, displayPosition, &edid) != Adl::ADL_OK) {
         return 0;
     }
     const auto byte = [&edid](int index) { return static_cast<PanelId>(static_cast<uint8_t>(edid.cEDIDData[index])); };
@@ -101,7 +120,7 @@ void SendAuxWrites(const std::vector<AuxWrite>& writes)
         record.iDataSize = static_cast<int>(write.data.size());
         // The table's writes are at most 3 bytes; a longer list cannot fit the record.
         std::memcpy(record.cData, write.data.data(), std::min(write.data.size(), sizeof record.cData));
-        g_adl.ADL2_Display_NativeAUXChannel_Access(g_adl.context, kAuxTargetAdapter, kAuxTargetDisplay, &record);
+        g_adl.ADL2_Display_NativeAUXChannel_Access(g_adl.context.get(), kAuxTargetAdapter, kAuxTargetDisplay, &record);
     }
 }
 
@@ -110,12 +129,14 @@ bool WriteToMatchingDisplays(TraceLogger* logger, int adapterCount, PanelId pane
 {
     bool matched = false;
     for (int i = 0; i < adapterCount; ++i) {
-        std::free(g_adl.displayInfo);
-        g_adl.displayInfo = nullptr;
+        g_adl.displayInfo.reset();
         const int adapterIndex = g_adl.adapterInfo[i].iAdapterIndex;
         int displayCount = 0;
-        if (g_adl.ADL2_Display_DisplayInfo_Get(g_adl.context, adapterIndex, &displayCount, &g_adl.displayInfo, 0) !=
-            Adl::ADL_OK) {
+        Adl::ADLDisplayInfo* displays = nullptr;
+        const int listed = g_adl.ADL2_Display_DisplayInfo_Get(g_adl.context.get(), adapterIndex, &displayCount, &displays, 0);
+        // Whatever ADL allocated is ours to free, also when it reports a failure.
+        g_adl.displayInfo.reset(displays);
+        if (listed != Adl::ADL_OK) {
             continue;
         }
         logger->LogInfo(L"display count=%d", displayCount);
@@ -146,17 +167,9 @@ bool WriteToMatchingDisplays(TraceLogger* logger, int adapterCount, PanelId pane
 
 void ReleaseAdlBinding()
 {
-    if (g_adl.module == nullptr) {
-        return;
-    }
-    std::free(g_adl.adapterInfo);
-    std::free(g_adl.displayInfo);
-    if (g_adl.context != nullptr && g_adl.ADL2_Main_Control_Destroy != nullptr) {
-        g_adl.ADL2_Main_Control_Destroy(g_adl.context);
-    }
-    const HMODULE module = g_adl.module;
-    g_adl = AdlBinding{};
-    FreeLibrary(module);
+    // Taken out whole, leaving an empty binding, and destroyed at the end of this scope in
+    // reverse member order.
+    const AdlBinding released = std::exchange(g_adl, AdlBinding{});
 }
 
 bool WriteAuxDataAmd(PanelId panelId, std::vector<AuxWrite> writes)
@@ -165,16 +178,17 @@ bool WriteAuxDataAmd(PanelId panelId, std::vector<AuxWrite> writes)
     // An earlier call that stopped early left ADL loaded; every call starts from a fresh load.
     ReleaseAdlBinding();
 
-    HMODULE module = LoadLibraryW(L"atiadlxx.dll");
-    if (module == nullptr) {
-        module = LoadLibraryW(L"atiadlxy.dll");
+    LumavenUtil::UniqueModule module(LoadLibraryW(L"atiadlxx.dll"));
+    if (!module) {
+        module.reset(LoadLibraryW(L"atiadlxy.dll"));
     }
-    if (module == nullptr) {
+    if (!module) {
         logger->LogInfo(L"ADL library not found!");
         return false;
     }
-    g_adl.module = module;
-#define LUMAVEN_ADL_RESOLVE(name, type, required) g_adl.name = LumavenUtil::ResolveProc<Adl::type>(module, #name);
+    g_adl.module = std::move(module);
+#define LUMAVEN_ADL_RESOLVE(name, type, required) \
+    g_adl.name = LumavenUtil::ResolveProc<Adl::type>(g_adl.module.get(), #name);
     LUMAVEN_ADL_ENTRY_POINTS(LUMAVEN_ADL_RESOLVE)
 #undef LUMAVEN_ADL_RESOLVE
 
@@ -188,12 +202,15 @@ bool WriteAuxDataAmd(PanelId panelId, std::vector<AuxWrite> writes)
         logger->LogInfo(L"ADL2_Display_NativeAUXChannel_Access API is missing!");
         return false;
     }
-    if (g_adl.ADL2_Main_Control_Create(&AdlMainMemoryAlloc, kEnumConnectedAdapters, &g_adl.context) != Adl::ADL_OK) {
+    Adl::ADL_CONTEXT_HANDLE context = nullptr;
+    const int created = g_adl.ADL2_Main_Control_Create(&AdlMainMemoryAlloc, kEnumConnectedAdapters, &context);
+    g_adl.context = UniqueAdlContext(context, AdlContextDestroyer{g_adl.ADL2_Main_Control_Destroy});
+    if (created != Adl::ADL_OK) {
         logger->LogInfo(L"ADL Initialization Error!");
         return false;
     }
     int adapterCount = 0;
-    if (g_adl.ADL2_Adapter_NumberOfAdapters_Get(g_adl.context, &adapterCount) != Adl::ADL_OK) {
+    if (g_adl.ADL2_Adapter_NumberOfAdapters_Get(g_adl.context.get(), &adapterCount) != Adl::ADL_OK) {
         logger->LogInfo(L"Cannot get the number of adapters!");
         return false;
     }
@@ -206,11 +223,11 @@ bool WriteAuxDataAmd(PanelId panelId, std::vector<AuxWrite> writes)
 
     bool matched = false;
     if (adapterCount > 0) {
-        g_adl.adapterInfo = static_cast<Adl::AdapterInfo*>(std::malloc(static_cast<size_t>(adapterBytes)));
-        if (g_adl.adapterInfo != nullptr) {
-            std::memset(g_adl.adapterInfo, 0, static_cast<size_t>(adapterBytes));
+        g_adl.adapterInfo.reset(static_cast<Adl::AdapterInfo*>(std::malloc(static_cast<size_t>(adapterBytes))));
+        if (g_adl.adapterInfo) {
+            std::memset(g_adl.adapterInfo.get(), 0, static_cast<size_t>(adapterBytes));
             // Its answer is not looked at: a failed fill leaves zeroed records (adapter index 0).
-            g_adl.ADL2_Adapter_AdapterInfo_Get(g_adl.context, g_adl.adapterInfo, static_cast<int>(adapterBytes));
+            g_adl.ADL2_Adapter_AdapterInfo_Get(g_adl.context.get(), g_adl.adapterInfo.get(), static_cast<int>(adapterBytes));
             matched = WriteToMatchingDisplays(logger, adapterCount, panelId, writes);
         }
     }

@@ -9,33 +9,16 @@ constexpr DWORD kAdlxLoadFlags = LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBR
                                  LOAD_LIBRARY_SEARCH_SYSTEM32 | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS;
 static_assert(kAdlxLoadFlags == 0x1E00);
 
-// The library load under which each process-wide object was obtained (see LoadCount).
-uint64_t g_displayServicesLoad = 0;
-uint64_t g_displayLoad = 0;
-
-bool FromCurrentLoad(uint64_t load)
-{
-    return g_ADLXHelp.IsLoaded() && load == g_ADLXHelp.LoadCount();
-}
-
-// Objects of an ADLX that was terminated in the meantime are gone with it: they are dropped
-// without a Release.
-template <class Interface>
-void ReleaseAndClear(Interface*& object, uint64_t load)
-{
-    if (object != nullptr && FromCurrentLoad(load)) {
-        object->Release();
-    }
-    object = nullptr;
-}
-
 }  // namespace
+
+// Defined before the helper, so that at module unload they are destroyed after it: ADLX is
+// terminated first (with them still held, as it always was), and then they are dropped
+// without a Release because their load is gone.
+constinit AdlxInterfacePtr<adlx::IADLXDisplayServices> adlxDisplayServices;
+constinit AdlxInterfacePtr<adlx::IADLXDisplay> adlxDisplay;
 
 // Destroyed at module unload, which terminates ADLX and frees the library.
 constinit ADLXHelper g_ADLXHelp;
-
-adlx::IADLXDisplayServices* adlxDisplayServices = nullptr;
-adlx::IADLXDisplay* adlxDisplay = nullptr;
 
 ADLXHelper::~ADLXHelper()
 {
@@ -44,11 +27,11 @@ ADLXHelper::~ADLXHelper()
 
 ADLX_RESULT ADLXHelper::Initialize()
 {
-    if (m_hDLLHandle == nullptr) {
-        m_hDLLHandle = LoadLibraryExW(kAdlxLibrary, nullptr, kAdlxLoadFlags);
-        if (m_hDLLHandle != nullptr) {
+    if (!m_hDLLHandle) {
+        m_hDLLHandle.reset(LoadLibraryExW(kAdlxLibrary, nullptr, kAdlxLoadFlags));
+        if (m_hDLLHandle) {
             ++m_loads;
-#define LUMAVEN_ADLX_RESOLVE(member, type, name) member = LumavenUtil::ResolveProc<type>(m_hDLLHandle, name);
+#define LUMAVEN_ADLX_RESOLVE(member, type, name) member = LumavenUtil::ResolveProc<type>(m_hDLLHandle.get(), name);
             LUMAVEN_ADLX_ENTRY_POINTS(LUMAVEN_ADLX_RESOLVE)
 #undef LUMAVEN_ADLX_RESOLVE
         }
@@ -69,7 +52,7 @@ ADLX_RESULT ADLXHelper::Initialize()
 
 ADLX_RESULT ADLXHelper::Terminate()
 {
-    if (m_hDLLHandle == nullptr) {
+    if (!m_hDLLHandle) {
         return ADLX_OK;
     }
     m_ADLXFullVersion = 0;
@@ -80,8 +63,7 @@ ADLX_RESULT ADLXHelper::Terminate()
 #define LUMAVEN_ADLX_CLEAR(member, type, name) member = nullptr;
     LUMAVEN_ADLX_ENTRY_POINTS(LUMAVEN_ADLX_CLEAR)
 #undef LUMAVEN_ADLX_CLEAR
-    FreeLibrary(m_hDLLHandle);
-    m_hDLLHandle = nullptr;
+    m_hDLLHandle.reset();
     return result;
 }
 
@@ -90,31 +72,27 @@ void InitializeAdlxDisplay()
     if (ADLX_FAILED(g_ADLXHelp.Initialize())) {
         return;
     }
-    ReleaseAndClear(adlxDisplayServices, g_displayServicesLoad);
+    adlxDisplayServices.reset();
     adlx::IADLXSystem* const system = g_ADLXHelp.GetSystemServices();
     ADLX_RESULT result = ADLX_FAIL;
     if (system != nullptr) {
-        result = system->GetDisplaysServices(&adlxDisplayServices);
+        result = system->GetDisplaysServices(adlxDisplayServices.put());
     }
     // A success code that hands back no display services is no better than a failure: there
     // is nothing to ask for the display list.
-    if (ADLX_FAILED(result) || adlxDisplayServices == nullptr) {
+    if (ADLX_FAILED(result) || !adlxDisplayServices) {
         // adlxDisplay is left as it was; it is never used without display services.
-        adlxDisplayServices = nullptr;
         g_ADLXHelp.Terminate();
+        adlxDisplayServices.reset();  // gone with the terminated ADLX: dropped, not released
         return;
     }
-    g_displayServicesLoad = g_ADLXHelp.LoadCount();
 
-    adlx::IADLXDisplayList* displays = nullptr;
-    if (ADLX_SUCCEEDED(adlxDisplayServices->GetDisplays(&displays)) && displays != nullptr) {
-        ReleaseAndClear(adlxDisplay, g_displayLoad);
+    // The display holds its own reference; the list is given back when this call ends. A list
+    // kept per call would pile up inside ADLX for as long as the service runs.
+    AdlxInterfacePtr<adlx::IADLXDisplayList> displays;
+    if (ADLX_SUCCEEDED(adlxDisplayServices->GetDisplays(displays.put())) && displays) {
         // Its answer is not looked at: a list without displays leaves no display.
-        displays->At_DisplayList(0, &adlxDisplay);
-        g_displayLoad = g_ADLXHelp.LoadCount();
-        // The display holds its own reference. A list kept per call would pile up inside
-        // ADLX for as long as the service runs.
-        displays->Release();
+        displays->At_DisplayList(0, adlxDisplay.put());
     }
 }
 
@@ -122,10 +100,10 @@ ADLX_RESULT GetVariBright(adlx::IADLXDisplayVariBright** ppVariBright)
 {
     *ppVariBright = nullptr;
     // Before any initialisation (or after ADLX went away) there are no display services to ask.
-    if (adlxDisplayServices == nullptr || !FromCurrentLoad(g_displayServicesLoad)) {
+    if (!adlxDisplayServices || !adlxDisplayServices.FromCurrentLoad()) {
         return ADLX_FAIL;
     }
-    adlx::IADLXDisplay* const display = FromCurrentLoad(g_displayLoad) ? adlxDisplay : nullptr;
+    adlx::IADLXDisplay* const display = adlxDisplay.FromCurrentLoad() ? adlxDisplay.get() : nullptr;
     return adlxDisplayServices->GetVariBright(display, ppVariBright);
 }
 
@@ -133,23 +111,20 @@ ADLX_RESULT GetVariBright(adlx::IADLXDisplayVariBright** ppVariBright)
 // interfaces would pile up inside ADLX with every command.
 bool IsVaribrightSupported()
 {
-    adlx::IADLXDisplayVariBright* varibright = nullptr;
-    if (ADLX_FAILED(GetVariBright(&varibright)) || varibright == nullptr) {
+    AdlxInterfacePtr<adlx::IADLXDisplayVariBright> varibright;
+    if (ADLX_FAILED(GetVariBright(varibright.put())) || !varibright) {
         return false;
     }
     adlx_bool supported = false;
     varibright->IsSupported(&supported);
-    varibright->Release();
     return supported;
 }
 
 bool SetVaribrightEnabled(bool enable)
 {
-    adlx::IADLXDisplayVariBright* varibright = nullptr;
-    if (ADLX_FAILED(GetVariBright(&varibright)) || varibright == nullptr) {
+    AdlxInterfacePtr<adlx::IADLXDisplayVariBright> varibright;
+    if (ADLX_FAILED(GetVariBright(varibright.put())) || !varibright) {
         return false;
     }
-    const bool done = ADLX_SUCCEEDED(varibright->SetEnabled(enable));
-    varibright->Release();
-    return done;
+    return ADLX_SUCCEEDED(varibright->SetEnabled(enable));
 }

@@ -7,8 +7,11 @@
 
 #include "amd/AdlxTypes.h"
 
+#include "util/UniqueHandles.h"
+
 #include <windows.h>
 
+#include <cstddef>
 #include <cstdint>
 
 // ADLX's six exports in the order they are resolved, as X(member, function type, export
@@ -39,15 +42,17 @@ public:
     adlx::IADLXSystem* GetSystemServices() const { return m_pSystemServices; }
     adlx_uint64 QueryFullVersion() const { return m_ADLXFullVersion; }
     const char* QueryVersion() const { return m_ADLXVersion; }
-    bool IsLoaded() const { return m_hDLLHandle != nullptr; }
+    bool IsLoaded() const { return static_cast<bool>(m_hDLLHandle); }
     // How many times the library has been loaded. ADLX objects die with the load that made
     // them: one obtained under an earlier load must not be used or released.
     uint64_t LoadCount() const { return m_loads; }
 
 private:
-    HMODULE m_hDLLHandle = nullptr;
+    LumavenUtil::UniqueModule m_hDLLHandle;
     adlx_uint64 m_ADLXFullVersion = 0;
     const char* m_ADLXVersion = nullptr;  // owned by ADLX
+    // Not reference counted: ADLX keeps it from initialisation to termination, and it is
+    // never released.
     adlx::IADLXSystem* m_pSystemServices = nullptr;
     adlx::IADLMapping* m_pAdlMapping = nullptr;  // only the caller-ADL initialisation fills it
 #define LUMAVEN_ADLX_MEMBER(member, type, name) type member = nullptr;
@@ -59,10 +64,52 @@ private:
 // The process-wide instance.
 extern ADLXHelper g_ADLXHelp;
 
+// One reference to an ADLX interface. It is given back with Release when the owner is reset,
+// refilled or destroyed, but only while the load of the library that handed it out is still
+// the current one: objects of an ADLX that was terminated in the meantime are gone with it
+// and are dropped without a Release.
+template <class Interface>
+class AdlxInterfacePtr {
+public:
+    constexpr AdlxInterfacePtr() = default;
+    ~AdlxInterfacePtr() { reset(); }
+    AdlxInterfacePtr(const AdlxInterfacePtr&) = delete;
+    AdlxInterfacePtr& operator=(const AdlxInterfacePtr&) = delete;
+
+    Interface* get() const { return m_interface; }
+    Interface* operator->() const { return m_interface; }
+    explicit operator bool() const { return m_interface != nullptr; }
+    bool operator==(std::nullptr_t) const { return m_interface == nullptr; }
+
+    // Whether the reference comes from the ADLX that is loaded now.
+    bool FromCurrentLoad() const { return g_ADLXHelp.IsLoaded() && m_load == g_ADLXHelp.LoadCount(); }
+
+    void reset()
+    {
+        if (m_interface != nullptr && FromCurrentLoad()) {
+            m_interface->Release();
+        }
+        m_interface = nullptr;
+    }
+    // Gives back the reference held and hands out the slot for an ADLX call that returns a
+    // new one, which then belongs to the current load.
+    Interface** put()
+    {
+        reset();
+        m_load = g_ADLXHelp.LoadCount();
+        return &m_interface;
+    }
+
+private:
+    Interface* m_interface = nullptr;
+    uint64_t m_load = 0;
+};
+
 // The display services and the first display of the most recent successful
-// InitializeAdlxDisplay; null until then.
-extern adlx::IADLXDisplayServices* adlxDisplayServices;
-extern adlx::IADLXDisplay* adlxDisplay;
+// InitializeAdlxDisplay; empty until then. Both are kept across commands; at module unload
+// they outlive g_ADLXHelp, so ADLX is terminated with them still held.
+extern AdlxInterfacePtr<adlx::IADLXDisplayServices> adlxDisplayServices;
+extern AdlxInterfacePtr<adlx::IADLXDisplay> adlxDisplay;
 
 // Initialises ADLX and (re)takes its display services and first display, releasing the
 // previous ones. Without display services ADLX is terminated again.

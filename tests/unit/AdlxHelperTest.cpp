@@ -57,13 +57,13 @@ protected:
 TEST_F(AdlxHelper, MissingLibraryFailsWith3AndChangesNothing)
 {
     InstallProfile(Laptop(R"({"varibrightSupported":true})", ""));
-    adlx::IADLXDisplayServices* const servicesBefore = adlxDisplayServices;
-    adlx::IADLXDisplay* const displayBefore = adlxDisplay;
+    adlx::IADLXDisplayServices* const servicesBefore = adlxDisplayServices.get();
+    adlx::IADLXDisplay* const displayBefore = adlxDisplay.get();
     EXPECT_EQ(g_ADLXHelp.Initialize(), ADLX_FAIL);
     EXPECT_FALSE(g_ADLXHelp.IsLoaded());
     InitializeAdlxDisplay();
-    EXPECT_EQ(adlxDisplayServices, servicesBefore);
-    EXPECT_EQ(adlxDisplay, displayBefore);
+    EXPECT_EQ(adlxDisplayServices.get(), servicesBefore);
+    EXPECT_EQ(adlxDisplay.get(), displayBefore);
     EXPECT_FALSE(g_ADLXHelp.IsLoaded());
     EXPECT_TRUE(Calls().empty());
 }
@@ -202,13 +202,13 @@ TEST_F(AdlxHelper, FailingDisplayServicesTerminateAndTheNextCallLoadsAgain)
                           R"(,"faults":[{"function":"GetDisplaysServices","code":3,"nth":2}])"));
     InitializeAdlxDisplay();
     ASSERT_NE(adlxDisplayServices, nullptr);
-    adlx::IADLXDisplay* const firstDisplay = adlxDisplay;
+    adlx::IADLXDisplay* const firstDisplay = adlxDisplay.get();
     ASSERT_NE(firstDisplay, nullptr);
 
     LumavenSim::ClearTransactions();
     InitializeAdlxDisplay();
     EXPECT_EQ(adlxDisplayServices, nullptr);
-    EXPECT_EQ(adlxDisplay, firstDisplay) << "the display is left as it was";
+    EXPECT_EQ(adlxDisplay.get(), firstDisplay) << "the display is left as it was";
     EXPECT_FALSE(g_ADLXHelp.IsLoaded());
     EXPECT_EQ(Calls(), (std::vector<std::string>{"ADLXQueryFullVersion", "ADLXQueryVersion", "ADLXInitialize", "Release",
                                                  "GetDisplaysServices", "ADLXTerminate"}));
@@ -249,10 +249,10 @@ TEST_F(AdlxHelper, FailedDisplayListKeepsThePreviousDisplay)
     InstallProfile(Laptop(R"({"varibrightSupported":true})", "amdadlx64.dll",
                           R"(,"faults":[{"function":"GetDisplays","code":3,"nth":2}])"));
     InitializeAdlxDisplay();
-    adlx::IADLXDisplay* const firstDisplay = adlxDisplay;
+    adlx::IADLXDisplay* const firstDisplay = adlxDisplay.get();
     InitializeAdlxDisplay();
     EXPECT_NE(adlxDisplayServices, nullptr);
-    EXPECT_EQ(adlxDisplay, firstDisplay);
+    EXPECT_EQ(adlxDisplay.get(), firstDisplay);
     EXPECT_TRUE(IsVaribrightSupported());
 }
 
@@ -274,8 +274,7 @@ TEST_F(AdlxHelper, NullDisplayServicesCountAsFailureEvenWithADLXInitialized)
     InstallProfile(Laptop());
     InitializeAdlxDisplay();
     ASSERT_NE(adlxDisplayServices, nullptr);
-    adlxDisplayServices->Release();
-    adlxDisplayServices = nullptr;
+    adlxDisplayServices.reset();
     LumavenSim::ClearTransactions();
     EXPECT_FALSE(IsVaribrightSupported());
     EXPECT_FALSE(SetVaribrightEnabled(true));
@@ -316,7 +315,7 @@ TEST_F(AdlxHelper, DisplayListWithoutDisplaysLeavesNoDisplay)
     InstallProfile(Laptop(""));
     InitializeAdlxDisplay();
     EXPECT_NE(adlxDisplayServices, nullptr);
-    EXPECT_EQ(adlxDisplay, nullptr);
+    EXPECT_EQ(adlxDisplay.get(), nullptr);
     EXPECT_EQ(Number(RecordsOf("At")[0], "result"), ADLX_INVALID_ARGS);
     EXPECT_FALSE(IsVaribrightSupported());
     EXPECT_EQ(Number(RecordsOf("GetVariBright")[0], "result"), ADLX_INVALID_ARGS);

@@ -10,29 +10,27 @@
 
 namespace Xelto::Spanlet::Server::Services::Lumaven {
 
-// The pairings of index and identity are fixed: the factory and the support queries test
-// the index, the AUX table is keyed by the identity. They are not in product-code order.
-const std::map<PanelIndex, PanelId> kPanelIdByIndex = {
-    {0, 0x4160834C}, {4, 0x4166834C}, {5, 0x416C834C}, {6, 0x4170834C},
-    {3, 0x4174834C}, {2, 0x417C834C}, {1, 0x417D834C}, {7, 0x4197834C},
-    {8, 0x41A6834C}, {9, 0x41AC834C}, {10, 0x41AA834C},
-};
+const std::map<PanelIndex, PanelId> kPanelIdByIndex = [] {
+    std::map<PanelIndex, PanelId> byIndex;
+    for (const SupportedPanel& panel : kSupportedPanels) {
+        byIndex.emplace(panel.index, panel.id);
+    }
+    return byIndex;
+}();
 
 namespace {
 
-// All supported panels are SDC panels: EDID manufacturer bytes 4C 83, product code high
-// byte 41. The order of this list is the order of the product-code test.
-constexpr uint32_t kManufacturerLow = 0x4C;
-constexpr uint32_t kManufacturerHigh = 0x83;
-constexpr uint32_t kProductHigh = 0x41;
-struct ProductCode {
-    uint32_t low;
-    PanelIndex index;
-};
-constexpr ProductCode kProductCodes[] = {
-    {0x60, 0}, {0x66, 4}, {0x6C, 5}, {0x70, 6}, {0x74, 3}, {0x7C, 2},
-    {0x7D, 1}, {0x97, 7}, {0xA6, 8}, {0xAC, 9}, {0xAA, 10},
-};
+// Whether EDID bytes 8..11 are the bytes of `id`, lowest first.
+bool CarriesPanelId(const EdidBlock& edid, PanelId id)
+{
+    constexpr size_t kFirstIdByte = 8;
+    for (size_t i = 0; i < sizeof id; ++i) {
+        if (edid[kFirstIdByte + i] != ((id >> (8 * i)) & 0xFFu)) {
+            return false;
+        }
+    }
+    return true;
+}
 
 constexpr DWORD kInitialEdidBufferBytes = 256;
 
@@ -111,12 +109,9 @@ std::vector<EdidBlock> ReadMonitorEdids()
 PanelIndex FindSupportedPanel(const std::vector<EdidBlock>& edids)
 {
     for (const EdidBlock& edid : edids) {
-        if (edid[8] != kManufacturerLow || edid[9] != kManufacturerHigh || edid[11] != kProductHigh) {
-            continue;
-        }
-        for (const ProductCode& code : kProductCodes) {
-            if (edid[10] == code.low) {
-                return code.index;
+        for (const SupportedPanel& panel : kSupportedPanels) {
+            if (CarriesPanelId(edid, panel.id)) {
+                return panel.index;
             }
         }
     }

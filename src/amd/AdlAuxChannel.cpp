@@ -156,8 +156,7 @@ bool WriteToMatchingDisplays(TraceLogger* logger, int adapterCount, PanelId pane
             }
             logger->LogInfo(L"Write AUX data");
             matched = true;
-            const std::vector<AuxWrite> copy = writes;
-            SendAuxWrites(copy);
+            SendAuxWrites(writes);
         }
     }
     return matched;
@@ -172,7 +171,7 @@ void ReleaseAdlBinding()
     const AdlBinding released = std::exchange(g_adl, AdlBinding{});
 }
 
-bool WriteAuxDataAmd(PanelId panelId, std::vector<AuxWrite> writes)
+bool WriteAuxDataAmd(PanelId panelId, const std::vector<AuxWrite>& writes)
 {
     TraceLogger* logger = LogManager::GetLogger();
     // An earlier call that stopped early left ADL loaded; every call starts from a fresh load.

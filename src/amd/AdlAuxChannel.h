@@ -13,7 +13,7 @@ namespace Xelto::Spanlet::Server::Services::Lumaven {
 // list of writes (through adapter 0, display 0), then unloads ADL. True when at least one
 // display matched. Callers hold a service mutex: the binding's state is process-wide and
 // unguarded.
-bool WriteAuxDataAmd(PanelId panelId, std::vector<AuxWrite> writes);
+bool WriteAuxDataAmd(PanelId panelId, const std::vector<AuxWrite>& writes);
 
 // Releases what an interrupted WriteAuxDataAmd left of the process-wide ADL binding (the
 // library, its context and entry points); does nothing when ADL is not loaded. The service's

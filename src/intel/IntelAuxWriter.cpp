@@ -74,7 +74,7 @@ bool SetPanelAuxState(ctl_display_output_handle_t display, ctl_result_t& status,
         Log().LogError("Can't find the Aux data of Pid Vid: %x", panel);
         return false;
     }
-    const std::vector<AuxWrite> writes = found->second;
+    const std::vector<AuxWrite>& writes = found->second;
     if (!WriteAuxData(status, display, writes)) {
         Log().LogError("Write Aux data failed: %x", StatusWordAddress(status));
         return false;

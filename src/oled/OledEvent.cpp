@@ -104,8 +104,7 @@ void LumavenService::ReapplyPanelState()
         EnableEdForEvent();
     } else if (m_videoController == kVendorAmd && m_auxData) {
         // Looked up with insertion: an absent key gains an empty list, which writes nothing.
-        const std::vector<AuxWrite> writes = (*m_auxData)[{m_panelId, true}];
-        WriteAuxDataAmd(m_panelId, writes);
+        WriteAuxDataAmd(m_panelId, (*m_auxData)[{m_panelId, true}]);
     }
     if (taken) {
         gate.Release();

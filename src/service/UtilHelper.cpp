@@ -6,7 +6,7 @@
 
 namespace Xelto::Spanlet::Server::Services {
 
-uint32_t UtilHelper::NullChecker(std::vector<std::pair<const void*, const char*>> params, uint64_t contextWord)
+uint32_t UtilHelper::NullChecker(const std::vector<std::pair<const void*, const char*>>& params, uint64_t contextWord)
 {
     uint32_t failed = 0;
     for (const auto& [pointer, name] : params) {

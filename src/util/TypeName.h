@@ -1,7 +1,10 @@
 // The type names the service prints read as the Windows compiler prints them
 // ("class Xelto::Spanlet::Server::Services::UtilHelper"). MSVC's typeid already gives that;
-// GCC gives a mangled name, which is demangled here. This is the one header with
-// compiler-specific code.
+// GCC and Clang (which also defines __GNUC__) give an Itanium-mangled name, which is
+// demangled here. This is the one header that asks which compiler builds it. Elsewhere the
+// code uses only the Windows keywords that every Windows compiler accepts: the __stdcall
+// calling convention of the vendor callbacks and interfaces, and __declspec(dllexport/
+// dllimport) in the host's logging header.
 #pragma once
 
 #include <string>

@@ -51,13 +51,11 @@ void AppendWideString(std::string& out, const std::wstring& text)
 {
     for (size_t i = 0; i < text.size(); ++i) {
         const unsigned unit = static_cast<unsigned>(text[i]) & 0xFFFFu;
-        if (unit < 0x20 || unit == '"' || unit == '\\') {
-            AppendEscape(out, unit);
-        } else if (IsHighSurrogate(unit) && i + 1 < text.size() &&
-                   IsLowSurrogate(static_cast<unsigned>(text[i + 1]) & 0xFFFFu)) {
+        if (IsHighSurrogate(unit) && i + 1 < text.size() &&
+            IsLowSurrogate(static_cast<unsigned>(text[i + 1]) & 0xFFFFu)) {
             const unsigned low = static_cast<unsigned>(text[++i]) & 0xFFFFu;
             AppendUtf8(out, 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
-        } else if (IsHighSurrogate(unit) || IsLowSurrogate(unit)) {
+        } else if (unit < 0x20 || unit == '"' || unit == '\\' || IsHighSurrogate(unit) || IsLowSurrogate(unit)) {
             AppendEscape(out, unit);
         } else {
             AppendUtf8(out, unit);

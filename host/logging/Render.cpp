@@ -24,7 +24,7 @@ std::wstring RenderWide(const wchar_t* format, va_list args)
     // wide format, which the ISO vswprintf of MinGW's C++ mode does not. Most records fit
     // the stack buffer; longer ones grow on the heap.
     wchar_t local[512];
-    va_list first;
+    va_list first{};
     va_copy(first, args);
     const int fitted = _vsnwprintf(local, std::size(local), format, first);
     va_end(first);
@@ -33,7 +33,7 @@ std::wstring RenderWide(const wchar_t* format, va_list args)
     }
     std::wstring text(std::size(local) * 4, L'\0');
     for (;;) {
-        va_list attempt;
+        va_list attempt{};
         va_copy(attempt, args);
         const int written = _vsnwprintf(text.data(), text.size(), format, attempt);
         va_end(attempt);

@@ -18,7 +18,9 @@ struct CallContext {
 
 using CommandCallback = std::function<void(uint32_t status, const wchar_t* response)>;
 
-class XeltoService {
+// Hosts hold the service by pointer only and never copy it; the class is the binary contract
+// and declares nothing beyond its virtual operations.
+class XeltoService {  // NOLINT(cppcoreguidelines-special-member-functions): the fixed host contract
 public:
     virtual ~XeltoService() {}
     virtual uint32_t CreateString(const wchar_t* text, wchar_t*** holder) = 0;

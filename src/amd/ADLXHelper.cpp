@@ -31,7 +31,8 @@ ADLX_RESULT ADLXHelper::Initialize()
         m_hDLLHandle.reset(LoadLibraryExW(kAdlxLibrary, nullptr, kAdlxLoadFlags));
         if (m_hDLLHandle) {
             ++m_loads;
-#define LUMAVEN_ADLX_RESOLVE(member, type, name) member = LumavenUtil::ResolveProc<type>(m_hDLLHandle.get(), name);
+#define LUMAVEN_ADLX_RESOLVE(member, type, name) \
+    member = LumavenUtil::ResolveProc<decltype(member)>(m_hDLLHandle.get(), name);
             LUMAVEN_ADLX_ENTRY_POINTS(LUMAVEN_ADLX_RESOLVE)
 #undef LUMAVEN_ADLX_RESOLVE
         }
@@ -39,7 +40,7 @@ ADLX_RESULT ADLXHelper::Initialize()
     // All six are required, also the two initialisations that are never called: a library
     // without them is not the ADLX this service is built for.
     bool bound = true;
-#define LUMAVEN_ADLX_BOUND(member, type, name) bound = bound && member != nullptr;
+#define LUMAVEN_ADLX_BOUND(member, type, name) bound = bound && (member) != nullptr;
     LUMAVEN_ADLX_ENTRY_POINTS(LUMAVEN_ADLX_BOUND)
 #undef LUMAVEN_ADLX_BOUND
     if (!bound) {

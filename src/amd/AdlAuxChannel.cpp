@@ -82,7 +82,7 @@ bool RequiredEntryPointsBound()
 {
     bool bound = true;
 #define LUMAVEN_ADL_CHECK(name, type, required) \
-    if (required && g_adl.name == nullptr) {    \
+    if ((required) && g_adl.name == nullptr) {  \
         bound = false;                          \
     }
     LUMAVEN_ADL_ENTRY_POINTS(LUMAVEN_ADL_CHECK)

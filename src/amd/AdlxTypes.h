@@ -63,6 +63,10 @@ enum ADLX_DISPLAY_SCAN_TYPE : int {};
 
 namespace adlx {
 
+// NOLINTBEGIN(cppcoreguidelines-virtual-class-destructor): ADLX objects are given back with
+// Release, never deleted through these classes, and a virtual destructor would take vtable
+// slots that ADLX's layout does not have.
+
 class IADLXInterface {
 public:
     virtual adlx_long ADLX_STD_CALL Acquire() = 0;                                                    // 0
@@ -176,6 +180,8 @@ static_assert(sizeof(IADLXDisplayList) == sizeof(void*));
 static_assert(sizeof(IADLXDisplay) == sizeof(void*));
 static_assert(sizeof(IADLXDisplayServices) == sizeof(void*));
 static_assert(sizeof(IADLXDisplayVariBright) == sizeof(void*));
+
+// NOLINTEND(cppcoreguidelines-virtual-class-destructor)
 
 }  // namespace adlx
 

@@ -59,7 +59,7 @@ public:
     const VARIANT& get() const { return m_value; }
 
 private:
-    VARIANT m_value;
+    VARIANT m_value{};
 };
 
 // Joins the multithreaded apartment for one query and leaves it on every exit. The leave is

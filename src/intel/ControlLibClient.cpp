@@ -3,6 +3,7 @@
 #include "util/ProcAddress.h"
 
 #include <cwchar>
+#include <initializer_list>
 
 // strsafe.h renames the plain formatting functions to deprecation messages; it comes last.
 #include <strsafe.h>
@@ -14,10 +15,12 @@ ctl_runtime_path_args_t* runtimePathArgs = nullptr;
 
 namespace {
 
-#define LUMAVEN_CTL_ONE(name, ...) +1
-constexpr int kLoaderFunctions = 0 LUMAVEN_CTL_FUNCTIONS(LUMAVEN_CTL_ONE, LUMAVEN_CTL_NOTHING);
-constexpr int kForwardedFunctions = 0 LUMAVEN_CTL_FUNCTIONS(LUMAVEN_CTL_NOTHING, LUMAVEN_CTL_ONE);
-#undef LUMAVEN_CTL_ONE
+#define LUMAVEN_CTL_NAME(name, ...) #name,
+constexpr size_t kLoaderFunctions =
+    std::initializer_list<const char*>{LUMAVEN_CTL_FUNCTIONS(LUMAVEN_CTL_NAME, LUMAVEN_CTL_NOTHING)}.size();
+constexpr size_t kForwardedFunctions =
+    std::initializer_list<const char*>{LUMAVEN_CTL_FUNCTIONS(LUMAVEN_CTL_NOTHING, LUMAVEN_CTL_NAME)}.size();
+#undef LUMAVEN_CTL_NAME
 static_assert(kLoaderFunctions == 3 && kForwardedFunctions == 90, "the client layer offers 93 entry points");
 
 // The library's symbol `name` as a pointer of the caller's own type, or null when no library

@@ -10,6 +10,7 @@
 
 namespace Xelto::Spanlet::Server::Services::Lumaven {
 
+// NOLINTNEXTLINE(cert-err58-cpp): filled at load, before any caller; out of memory this early, the module cannot load anyway
 const std::map<PanelIndex, PanelId> kPanelIdByIndex = [] {
     std::map<PanelIndex, PanelId> byIndex;
     for (const SupportedPanel& panel : kSupportedPanels) {

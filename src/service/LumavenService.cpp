@@ -16,10 +16,10 @@ constexpr size_t kMaxCreatedStringChars = 64;
 
 }  // namespace
 
-LumavenService::LumavenService()
+LumavenService::LumavenService() : m_typeName(LumavenUtil::TypeNameOf<LumavenService>())
 {
-    m_typeName = LumavenUtil::TypeNameOf<LumavenService>();
     LogManager::SetProvider("Xelto-Spanlet-SystemInformation");
+    // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): the logger is asked for after the provider is set
     m_logger = LogManager::GetLogger();
 }
 

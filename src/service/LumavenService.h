@@ -32,6 +32,8 @@ public:
 
     LumavenService();
     ~LumavenService() override;
+    LumavenService(const LumavenService&) = delete;
+    LumavenService& operator=(const LumavenService&) = delete;
 
     uint32_t CreateString(const wchar_t* text, wchar_t*** holder) override;
     uint32_t ReleaseString(wchar_t*** holder) override;

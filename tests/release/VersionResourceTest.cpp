@@ -8,6 +8,7 @@
 
 #include <windows.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,11 @@ const Binary kBinaries[] = {
     {"installed_xelto_host", true, L"\\bin", L"xelto-host.exe"},
     {"installed_lumaven_sim", true, L"\\share\\lumaven\\sim", L"lumaven-sim.exe"},
 };
+
+void PrintTo(const Binary& binary, std::ostream* out)
+{
+    *out << binary.label;
+}
 
 class VersionResource : public testing::TestWithParam<Binary> {
 protected:

@@ -2,6 +2,8 @@
 // and display-power events, prints statuses, responses and log lines, and destroys it.
 #include "Bench.h"
 #include "CommandNames.h"
+#include "FileVersion.h"
+#include "Report.h"
 #include "ServiceHost.h"
 
 #include "xelto/LogSink.h"
@@ -34,6 +36,8 @@ void PrintUsage()
         "  event EVENT             deliver display-off, display-on, lid-closed or lid-open\n"
         "  script FILE             run FILE: one 'run ...' or 'event ...' per line, # comments\n"
         "  create                  only create the service (and run its start-up task)\n"
+        "  report                  field report: the read-only commands (4, 7, 8, 10, 13), the\n"
+        "                          versions, the vendor libraries found, the log; one JSON document\n"
         "  bench [ROUNDS] [ROW]    time every command, display-power events and the start-up\n"
         "                          against the bare calls they cannot avoid (default 21 rounds;\n"
         "                          ROW: only the rows of one command number, event or start-up)\n"
@@ -41,6 +45,8 @@ void PrintUsage()
         "  --dll PATH              the service DLL (default: LumavenService.dll beside this program)\n"
         "  --no-startup            do not run startup_task after creating the service\n"
         "  --quiet                 do not print the service's log lines\n"
+        "  --version               the host's version and the version resources of the service DLL\n"
+        "                          and XeltoLog.dll\n"
         "  --help                  this text\n"
         "Exit code: 0 when the action ran, 2 for wrong arguments, 3 when the service is unavailable.\n");
 }
@@ -53,6 +59,23 @@ void PrintLogLine(void*, Xelto::Logging::Level level, const char*, uint64_t, con
     }
     std::printf("  log %s: %ls\n", Xelto::Logging::LevelName(level), shown.c_str());
     std::fflush(stdout);
+}
+
+void PrintFileVersion(const wchar_t* label, const std::wstring& path)
+{
+    const auto version = XeltoHost::FileProductVersion(path);
+    if (version) {
+        std::printf("%ls %ls\n", label, version->c_str());
+    } else {
+        std::printf("%ls: no version resource in '%ls'\n", label, path.c_str());
+    }
+}
+
+void PrintVersions(const std::wstring& dllPath)
+{
+    std::printf("xelto-host %s\n", LUMAVEN_VERSION);
+    PrintFileVersion(L"LumavenService.dll", dllPath);
+    PrintFileVersion(L"XeltoLog.dll", XeltoHost::LoadedModulePath(L"XeltoLog.dll"));
 }
 
 std::wstring DefaultDllPath()
@@ -157,6 +180,7 @@ int wmain(int argc, wchar_t** argv)
     std::wstring dllPath = DefaultDllPath();
     bool startup = true;
     bool quiet = false;
+    bool version = false;
     std::vector<std::wstring> words;
     for (int i = 1; i < argc; ++i) {
         const std::wstring arg = argv[i];
@@ -169,6 +193,8 @@ int wmain(int argc, wchar_t** argv)
             startup = false;
         } else if (arg == L"--quiet") {
             quiet = true;
+        } else if (arg == L"--version") {
+            version = true;
         } else if (arg.rfind(L"--", 0) == 0) {
             std::fprintf(stderr, "xelto-host: unknown option '%ls' (see --help)\n", arg.c_str());
             return kExitUsage;
@@ -176,11 +202,18 @@ int wmain(int argc, wchar_t** argv)
             words.push_back(arg);
         }
     }
+    if (version) {
+        PrintVersions(dllPath);
+        return kExitOk;
+    }
     if (words.empty()) {
         std::fprintf(stderr, "xelto-host: no action given (see --help)\n");
         return kExitUsage;
     }
     const std::wstring& verb = words[0];
+    if (verb == L"report" && words.size() == 1) {
+        return XeltoHost::RunReport(dllPath, startup);
+    }
     const bool known = verb == L"create" || (verb == L"bench" && words.size() <= 3) ||
                        (verb == L"script" && words.size() == 2) ||
                        ((verb == L"run" || verb == L"event") && words.size() >= 2 && words.size() <= 3);

@@ -16,6 +16,7 @@ void Usage()
         "       lumaven-sim drivers                print what the simulated drivers hold (panel registers, OPST, VariBright)\n"
         "       lumaven-sim log [--aux]            print the transaction log (--aux: only panel AUX transactions)\n"
         "       lumaven-sim clear-log              empty the transaction log\n"
+        "       lumaven-sim --version              print the version\n"
         "Runs only under Wine and writes only into the current prefix.\n");
 }
 
@@ -26,6 +27,10 @@ int wmain(int argc, wchar_t** argv)
     if (argc < 2 || std::wcscmp(argv[1], L"--help") == 0 || std::wcscmp(argv[1], L"-h") == 0) {
         Usage();
         return argc < 2 ? 2 : 0;
+    }
+    if (std::wcscmp(argv[1], L"--version") == 0) {
+        std::printf("lumaven-sim %s\n", LUMAVEN_VERSION);
+        return 0;
     }
     if (!LumavenSim::RunningUnderWine()) {
         std::fprintf(stderr, "lumaven-sim: refusing to run outside Wine: the fake drivers carry real driver names\n");

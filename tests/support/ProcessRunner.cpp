@@ -10,6 +10,11 @@ namespace LumavenTest {
 
 ProcessResult RunProgram(const std::wstring& commandLine)
 {
+    return RunProgramIn(ExecutableDirectory(), L"", commandLine);
+}
+
+ProcessResult RunProgramIn(const std::wstring& directory, const std::wstring& program, const std::wstring& commandLine)
+{
     ProcessResult result;
     SECURITY_ATTRIBUTES inherit{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
     HANDLE readEnd = nullptr;
@@ -28,9 +33,8 @@ ProcessResult RunProgram(const std::wstring& commandLine)
     PROCESS_INFORMATION process{};
     std::vector<wchar_t> line(commandLine.begin(), commandLine.end());
     line.push_back(L'\0');
-    const std::wstring directory = ExecutableDirectory();
-    const BOOL started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, directory.c_str(),
-                                        &startup, &process);
+    const BOOL started = CreateProcessW(program.empty() ? nullptr : program.c_str(), line.data(), nullptr, nullptr,
+                                        TRUE, 0, nullptr, directory.c_str(), &startup, &process);
     CloseHandle(writeEnd);
     if (!started) {
         CloseHandle(readEnd);

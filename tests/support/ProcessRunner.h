@@ -13,5 +13,8 @@ struct ProcessResult {
 
 // `commandLine` is the full command line; the program is looked up in the test's directory.
 ProcessResult RunProgram(const std::wstring& commandLine);
+// Runs `program` (a full path) with `commandLine` as its whole command line (the program's
+// name first, as a shell passes it), in `directory`.
+ProcessResult RunProgramIn(const std::wstring& directory, const std::wstring& program, const std::wstring& commandLine);
 
 }  // namespace LumavenTest

@@ -193,9 +193,18 @@ def prepare_copy(work, log):
     """A fresh private copy of the tracked tree (sources only), configured once."""
     tree = os.path.join(work, "tree")
     files = subprocess.run(["git", "ls-files", "-z"], cwd=ROOT, check=True, stdout=subprocess.PIPE).stdout
-    os.makedirs(tree, exist_ok=True)
-    subprocess.run(["rsync", "-a", "--delete", "--exclude=/build/", "--files-from=-", "--from0", "./", tree + "/"],
-                   cwd=ROOT, input=files, check=True)
+    for name in files.decode().split("\0"):
+        source = os.path.join(ROOT, name)
+        if not name or not os.path.isfile(source):
+            continue
+        target = os.path.join(tree, name)
+        # Only what differs is copied, so that the copy's build tree stays up to date.
+        if os.path.exists(target):
+            with open(source, "rb") as a, open(target, "rb") as b:
+                if a.read() == b.read():
+                    continue
+        os.makedirs(os.path.dirname(target), exist_ok=True)
+        shutil.copy2(source, target)
     return tree
 
 

@@ -3,7 +3,8 @@
 # WINEPREFIX may be set by the caller (CTest sets it per build tree).
 : "${WINEPREFIX:=${LUMAVEN_WINEPREFIX:-$HOME/.wine}}"
 export WINEPREFIX
-export WINEDEBUG=-all
+# LUMAVEN_WINEDEBUG turns Wine's debug channels on for a checking run (scripts/heapcheck.sh).
+export WINEDEBUG="${LUMAVEN_WINEDEBUG:--all}"
 # The simulated GPU is a native dxgi.dll in the prefix's system32. Wine's own file there is
 # marked builtin and is refused as native, so "b" must follow: without it a prefix that has
 # Wine's dxgi.dll back cannot load Wine's WMI provider (which imports dxgi.dll) at all.

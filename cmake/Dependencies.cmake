@@ -5,8 +5,20 @@
 find_path(RAPIDJSON_INCLUDE_DIR rapidjson/document.h
           PATHS /usr/include $ENV{RAPIDJSON_INCLUDE} NO_CMAKE_FIND_ROOT_PATH REQUIRED)
 set(LUMAVEN_RAPIDJSON_DIR ${CMAKE_BINARY_DIR}/third_party/include)
-file(MAKE_DIRECTORY ${LUMAVEN_RAPIDJSON_DIR})
-file(CREATE_LINK ${RAPIDJSON_INCLUDE_DIR}/rapidjson ${LUMAVEN_RAPIDJSON_DIR}/rapidjson COPY_ON_ERROR SYMBOLIC)
+# A copy of the headers with one fix: RapidJSON 1.1.0's GenericStringRef declares a copy
+# assignment that assigns its const members. No call can compile, and GCC lets the unused
+# body pass, but Clang 19 and later reject the header. The copy leaves the declaration out,
+# which changes nothing: with const members the assignment is deleted anyway.
+set(rapidjson_copy ${LUMAVEN_RAPIDJSON_DIR}/rapidjson)
+if(IS_SYMLINK ${rapidjson_copy})
+  file(REMOVE ${rapidjson_copy})  # a link to the system headers, made by an earlier version
+endif()
+file(COPY ${RAPIDJSON_INCLUDE_DIR}/rapidjson DESTINATION ${LUMAVEN_RAPIDJSON_DIR} PATTERN document.h EXCLUDE)
+file(READ ${RAPIDJSON_INCLUDE_DIR}/rapidjson/document.h document)
+string(REPLACE "    GenericStringRef& operator=(const GenericStringRef& rhs) { s = rhs.s; length = rhs.length; }\n"
+               "" document "${document}")
+file(WRITE ${CMAKE_BINARY_DIR}/third_party/document.h "${document}")
+file(COPY_FILE ${CMAKE_BINARY_DIR}/third_party/document.h ${rapidjson_copy}/document.h ONLY_IF_DIFFERENT)
 add_library(rapidjson INTERFACE)
 target_include_directories(rapidjson SYSTEM INTERFACE ${LUMAVEN_RAPIDJSON_DIR})
 

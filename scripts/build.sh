@@ -1,7 +1,19 @@
 #!/bin/sh
-# Configures (once) and builds everything into build/.
+# Configures (once) and builds everything with one compiler's preset: mingw (GCC, the
+# default) into build/, clang (Clang and LLD) into build-clang/. Cache settings given after
+# the preset name configure the tree again with them, e.g.
+#   scripts/build.sh clang -DLUMAVEN_WARNINGS_AS_ERRORS=ON
 set -e
 cd "$(dirname "$0")/.."
+preset=${1:-mingw}
+[ $# -gt 0 ] && shift
+case "$preset" in
+  mingw) tree=build ;;
+  clang) tree=build-clang ;;
+  *) echo "usage: $0 [mingw|clang] [-DNAME=VALUE...]" >&2; exit 2 ;;
+esac
 scripts/setup.sh
-[ -f build/build.ninja ] || cmake --preset mingw >/dev/null
-cmake --build --preset mingw
+if [ ! -f "$tree/build.ninja" ] || [ $# -gt 0 ]; then
+  cmake --preset "$preset" "$@" >/dev/null
+fi
+cmake --build --preset "$preset"

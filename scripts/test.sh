@@ -1,6 +1,65 @@
 #!/bin/sh
-# Builds everything and runs every test under Wine; ends with CTest's summary.
-set -e
+# The README's test command and CI's (.ci/run): builds everything with both compilers, GCC
+# into build/ and Clang with LLD into build-clang/, with warnings as errors; runs every suite
+# under Wine against each build; runs the mixed pair (scripts/mixed-pair.sh: each compiler's
+# host with the other's service) and clang-tidy (scripts/tidy.sh). A stage whose build failed
+# skips its suites; every other stage runs even after a failure. Ends with each stage's result
+# and time and one line PASS or FAIL; the exit code is non-zero on any failure.
+#
+#   scripts/test.sh [CTest arguments...]   passed to both builds' CTest runs, e.g. -R unit_tests
+set -u
 cd "$(dirname "$0")/.."
-scripts/build.sh
-exec ctest --preset mingw "$@"
+scripts/setup.sh || exit 1
+
+failed=""
+summary=""
+begin=$(date +%s)
+# stage NAME COMMAND...: runs the command and records its result and time.
+stage() {
+  name=$1
+  shift
+  echo "== $name"
+  start=$(date +%s)
+  if "$@"; then
+    result=passed
+  else
+    result=FAILED
+    failed="$failed, $name"
+  fi
+  seconds=$(($(date +%s) - start))
+  echo "== $name: $result ($seconds s)"
+  summary="$summary$(printf '  %-26s %-8s %5d s' "$name" "$result" "$seconds")
+"
+  [ "$result" = passed ]
+}
+skipped() {
+  failed="$failed, $1 (skipped)"
+  summary="$summary$(printf '  %-26s %-8s' "$1" skipped)
+"
+}
+
+if stage "build GCC" scripts/build.sh mingw -DLUMAVEN_WARNINGS_AS_ERRORS=ON; then
+  stage "suites GCC" ctest --preset mingw "$@"
+else
+  skipped "suites GCC"
+fi
+if stage "build Clang" scripts/build.sh clang -DLUMAVEN_WARNINGS_AS_ERRORS=ON; then
+  stage "suites Clang" ctest --preset clang "$@"
+else
+  skipped "suites Clang"
+fi
+stage "mixed pair" scripts/mixed-pair.sh
+stage "clang-tidy" scripts/tidy.sh
+
+# ---- format check: its stage goes here ----
+
+echo
+echo "test.sh: stages"
+printf '%s' "$summary"
+total=$(($(date +%s) - begin))
+if [ -z "$failed" ]; then
+  echo "test.sh: PASS: both compilers, every suite, the mixed pair and clang-tidy ($total s)"
+  exit 0
+fi
+echo "test.sh: FAIL:${failed#,} ($total s)"
+exit 1

@@ -24,7 +24,8 @@ LONG g_recordedCount = 0;
 
 }  // namespace
 
-// The DLL's import address table entry for TlsAlloc (writable data in MinGW's images).
+// The DLL's import address table entry for TlsAlloc. GNU ld puts the table in writable
+// data, LLD in read-only data (as the loader leaves it after binding on Windows too).
 extern "C" TlsAllocFunction __imp_TlsAlloc;
 
 namespace {
@@ -43,10 +44,18 @@ DWORD WINAPI RecordingTlsAlloc()
 
 void NTAPI RouteTlsAlloc(PVOID, DWORD reason, PVOID)
 {
-    if (reason == DLL_PROCESS_ATTACH && g_systemTlsAlloc == nullptr) {
-        g_systemTlsAlloc = __imp_TlsAlloc;
-        __imp_TlsAlloc = &RecordingTlsAlloc;
+    if (reason != DLL_PROCESS_ATTACH || g_systemTlsAlloc != nullptr) {
+        return;
     }
+    // A write to a read-only table would fault, and Wine's loader ignores a fault in a TLS
+    // callback: the slots would silently never be recorded.
+    DWORD protection = 0;
+    if (!VirtualProtect(&__imp_TlsAlloc, sizeof(__imp_TlsAlloc), PAGE_READWRITE, &protection)) {
+        return;
+    }
+    g_systemTlsAlloc = __imp_TlsAlloc;
+    __imp_TlsAlloc = &RecordingTlsAlloc;
+    VirtualProtect(&__imp_TlsAlloc, sizeof(__imp_TlsAlloc), protection, &protection);
 }
 
 void NTAPI FreeRecordedTls(PVOID, DWORD reason, PVOID reserved)

@@ -18,13 +18,13 @@ enum class CommandLock { None, Main, Adlx };
 using Invoker = uint32_t (*)(LumavenService& service, Document* request, Document* response, uint64_t contextWord,
                              uint64_t extra);
 
-template <LumavenService::Handler handler>
+template <LumavenService::CommandHandler handler>
 uint32_t Invoke(LumavenService& service, Document* request, Document* response, uint64_t contextWord, uint64_t)
 {
     return (service.*handler)(request, response, contextWord);
 }
 
-template <LumavenService::HandlerWithExtra handler>
+template <LumavenService::CommandHandlerWithExtra handler>
 uint32_t InvokeWithExtra(LumavenService& service, Document* request, Document* response, uint64_t contextWord,
                          uint64_t extra)
 {

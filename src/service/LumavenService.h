@@ -26,9 +26,9 @@ inline constexpr int32_t kVendorAmd = 2;
 
 class LumavenService : public XeltoService {
 public:
-    using Handler = uint32_t (LumavenService::*)(Document* request, Document* response, uint64_t contextWord);
-    using HandlerWithExtra = uint32_t (LumavenService::*)(Document* request, Document* response,
-                                                          uint64_t contextWord, uint64_t extra);
+    using CommandHandler = uint32_t (LumavenService::*)(Document* request, Document* response, uint64_t contextWord);
+    using CommandHandlerWithExtra = uint32_t (LumavenService::*)(Document* request, Document* response,
+                                                                 uint64_t contextWord, uint64_t extra);
 
     LumavenService();
     ~LumavenService() override;
@@ -75,7 +75,7 @@ public:
     PanelId m_panelId = 0;
     std::mutex m_mutex;
     std::mutex m_adlxMutex;
-    HandlerWithExtra m_setElp = nullptr;
+    CommandHandlerWithExtra m_setElp = nullptr;
 
     // The handler pattern: the request/response check every handler starts with, and the
     // guard that turns a caught std::exception into StatusException with the handler's line.

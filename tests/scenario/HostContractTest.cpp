@@ -1,7 +1,7 @@
 // The built LumavenService.dll as a host sees it: its export table, and the reference host
 // creating it on simulated machines.
 #include "ControlLibProof.h"
-#include "PeExports.h"
+#include "PeFile.h"
 #include "ProcessRunner.h"
 #include "SimMachine.h"
 

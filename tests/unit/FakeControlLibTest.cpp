@@ -4,7 +4,7 @@
 // shows it.
 #include "ControlLibFixture.h"
 #include "ControlLibProof.h"
-#include "PeExports.h"
+#include "PeFile.h"
 #include "ProcessRunner.h"
 
 #include <gtest/gtest.h>

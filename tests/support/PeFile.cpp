@@ -1,0 +1,190 @@
+#include "PeFile.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+namespace LumavenTest {
+
+namespace {
+
+template <class T>
+bool ReadAt(const std::vector<char>& file, size_t offset, T& out)
+{
+    if (offset + sizeof(T) > file.size()) {
+        return false;
+    }
+    std::memcpy(&out, file.data() + offset, sizeof(T));
+    return true;
+}
+
+// Maps a relative virtual address to a file offset through the section table.
+bool RvaToOffset(const std::vector<char>& file, size_t sections, unsigned count, DWORD rva, size_t& offset)
+{
+    for (unsigned i = 0; i < count; ++i) {
+        IMAGE_SECTION_HEADER section;
+        if (!ReadAt(file, sections + i * sizeof(IMAGE_SECTION_HEADER), section)) {
+            return false;
+        }
+        const DWORD size = std::max(section.Misc.VirtualSize, section.SizeOfRawData);
+        if (rva >= section.VirtualAddress && rva < section.VirtualAddress + size) {
+            offset = rva - section.VirtualAddress + section.PointerToRawData;
+            return true;
+        }
+    }
+    return false;
+}
+
+// The headers of a 64-bit PE file read whole into memory.
+struct PeImage {
+    std::vector<char> file;
+    size_t sections = 0;
+    unsigned count = 0;
+    IMAGE_NT_HEADERS64 nt{};
+
+    bool Load(const std::wstring& path)
+    {
+        std::ifstream in(path.c_str(), std::ios::binary);
+        file.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+        IMAGE_DOS_HEADER dos;
+        if (!ReadAt(file, 0, dos) || dos.e_magic != IMAGE_DOS_SIGNATURE || !ReadAt(file, dos.e_lfanew, nt) ||
+            nt.Signature != IMAGE_NT_SIGNATURE || nt.OptionalHeader.Magic != IMAGE_NT_OPTIONAL_HDR64_MAGIC) {
+            return false;
+        }
+        sections = dos.e_lfanew + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) + nt.FileHeader.SizeOfOptionalHeader;
+        count = nt.FileHeader.NumberOfSections;
+        return true;
+    }
+
+    bool ToOffset(DWORD rva, size_t& offset) const { return RvaToOffset(file, sections, count, rva, offset); }
+
+    // The file offset and size of data directory `index`; false when the file has none.
+    bool Directory(unsigned index, size_t& offset, DWORD& size) const
+    {
+        const IMAGE_DATA_DIRECTORY& directory = nt.OptionalHeader.DataDirectory[index];
+        size = directory.Size;
+        return directory.VirtualAddress != 0 && ToOffset(directory.VirtualAddress, offset);
+    }
+};
+
+}  // namespace
+
+std::vector<std::string> ExportedNames(const std::wstring& path)
+{
+    PeImage image;
+    size_t exportOffset = 0;
+    DWORD exportSize = 0;
+    IMAGE_EXPORT_DIRECTORY exports;
+    if (!image.Load(path) || !image.Directory(IMAGE_DIRECTORY_ENTRY_EXPORT, exportOffset, exportSize) ||
+        !ReadAt(image.file, exportOffset, exports)) {
+        return {};
+    }
+    size_t namesOffset = 0;
+    if (!image.ToOffset(exports.AddressOfNames, namesOffset)) {
+        return {};
+    }
+    const std::vector<char>& file = image.file;
+    std::vector<std::string> names;
+    for (DWORD i = 0; i < exports.NumberOfNames; ++i) {
+        DWORD nameRva = 0;
+        size_t nameOffset = 0;
+        if (!ReadAt(file, namesOffset + i * sizeof(DWORD), nameRva) || !image.ToOffset(nameRva, nameOffset)) {
+            return {};
+        }
+        names.emplace_back(file.data() + nameOffset, strnlen(file.data() + nameOffset, file.size() - nameOffset));
+    }
+    return names;
+}
+
+std::optional<CodeViewRecord> ReadCodeViewRecord(const std::wstring& path)
+{
+    PeImage image;
+    size_t debugOffset = 0;
+    DWORD debugSize = 0;
+    if (!image.Load(path) || !image.Directory(IMAGE_DIRECTORY_ENTRY_DEBUG, debugOffset, debugSize)) {
+        return std::nullopt;
+    }
+    const std::vector<char>& file = image.file;
+    for (size_t entry = 0; entry + sizeof(IMAGE_DEBUG_DIRECTORY) <= debugSize; entry += sizeof(IMAGE_DEBUG_DIRECTORY)) {
+        IMAGE_DEBUG_DIRECTORY debug;
+        if (!ReadAt(file, debugOffset + entry, debug)) {
+            return std::nullopt;
+        }
+        // RSDS, the GUID, the age, then the PDB path up to its terminator.
+        constexpr size_t kPathOffset = 4 + 16 + 4;
+        const size_t record = debug.PointerToRawData;
+        uint32_t signature = 0;
+        if (debug.Type != IMAGE_DEBUG_TYPE_CODEVIEW || debug.SizeOfData <= kPathOffset ||
+            record + debug.SizeOfData > file.size() || !ReadAt(file, record, signature) ||
+            signature != 0x53445352) {  // "RSDS"
+            continue;
+        }
+        CodeViewRecord codeView;
+        std::memcpy(codeView.guid.data(), file.data() + record + 4, codeView.guid.size());
+        ReadAt(file, record + 4 + 16, codeView.age);
+        const char* pdbPath = file.data() + record + kPathOffset;
+        codeView.pdbPath.assign(pdbPath, strnlen(pdbPath, debug.SizeOfData - kPathOffset));
+        return codeView;
+    }
+    return std::nullopt;
+}
+
+// The MSF 7.00 container: a super block, then fixed-size blocks; the stream directory lists
+// every stream's size and blocks, and its own blocks are listed in the block map.
+std::optional<PdbIdentity> ReadPdbIdentity(const std::wstring& path)
+{
+    std::ifstream in(path.c_str(), std::ios::binary);
+    const std::vector<char> file((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    static constexpr char kMagic[] = "Microsoft C/C++ MSF 7.00\r\n\x1a" "DS\0\0";
+    struct SuperBlock {
+        char magic[32];
+        uint32_t blockSize;
+        uint32_t freeBlockMapBlock;
+        uint32_t blockCount;
+        uint32_t directoryBytes;
+        uint32_t unknown;
+        uint32_t blockMapAddress;
+    } super{};
+    if (!ReadAt(file, 0, super) || std::memcmp(super.magic, kMagic, sizeof(super.magic)) != 0 ||
+        super.blockSize == 0) {
+        return std::nullopt;
+    }
+    const size_t blockSize = super.blockSize;
+    // The stream directory, gathered from its blocks.
+    std::vector<char> directory;
+    const size_t directoryBlocks = (super.directoryBytes + blockSize - 1) / blockSize;
+    for (size_t i = 0; i < directoryBlocks; ++i) {
+        uint32_t block = 0;
+        if (!ReadAt(file, super.blockMapAddress * blockSize + i * 4, block) ||
+            (block + 1) * blockSize > file.size()) {
+            return std::nullopt;
+        }
+        directory.insert(directory.end(), file.begin() + block * blockSize, file.begin() + (block + 1) * blockSize);
+    }
+    uint32_t streams = 0;
+    uint32_t infoSize = 0;
+    if (!ReadAt(directory, 0, streams) || streams < 2 || !ReadAt(directory, 4 + 4, infoSize)) {
+        return std::nullopt;
+    }
+    // Stream 1's first block follows the sizes and stream 0's block list.
+    uint32_t streamZeroSize = 0;
+    ReadAt(directory, 4, streamZeroSize);
+    const size_t streamZeroBlocks = streamZeroSize == 0xFFFFFFFF ? 0 : (streamZeroSize + blockSize - 1) / blockSize;
+    uint32_t infoBlock = 0;
+    if (!ReadAt(directory, 4 + streams * 4 + streamZeroBlocks * 4, infoBlock)) {
+        return std::nullopt;
+    }
+    // Version, signature (a time stamp), age, GUID.
+    PdbIdentity identity;
+    const size_t info = infoBlock * blockSize;
+    if (infoSize < 28 || !ReadAt(file, info + 8, identity.age) || !ReadAt(file, info + 12, identity.guid)) {
+        return std::nullopt;
+    }
+    return identity;
+}
+
+}  // namespace LumavenTest

@@ -450,12 +450,10 @@ int ADL2_Display_EdidData_Get(Context handle, int iAdapterIndex, int iDisplayInd
     return record.Done(kOk);
 }
 
-// What an AUX record must hold before it reaches the panel; empty when it is fine.
+// What an AUX record of the right size must hold before it reaches the panel; empty when it
+// is fine.
 std::string CheckAux(const AuxChannelData& data)
 {
-    if (data.iSize != static_cast<int>(sizeof data)) {
-        return "iSize " + std::to_string(data.iSize) + ", expected " + std::to_string(sizeof data);
-    }
     if (data.iCommand != kAuxCommandWrite && data.iCommand != kAuxCommandRead) {
         return "iCommand " + std::to_string(data.iCommand) + " is neither write (1) nor read (2)";
     }
@@ -488,11 +486,13 @@ int ADL2_Display_NativeAUXChannel_Access(Context handle, int iAdapterIndex, int 
     if (lpData == nullptr) {
         return record.Refuse(kNullPointer, "no AUX record");
     }
+    // Nothing past iSize is read from a record of another size.
     AuxChannelData data{};
     std::memcpy(&data.iSize, lpData, sizeof data.iSize);
     if (data.iSize != static_cast<int>(sizeof data)) {
         record.Int("size", data.iSize);
-        return record.Refuse(kInvalidParameter, CheckAux(data));
+        return record.Refuse(kInvalidParameter,
+                             "iSize " + std::to_string(data.iSize) + ", expected " + std::to_string(sizeof data));
     }
     std::memcpy(&data, lpData, sizeof data);
     const size_t count = static_cast<size_t>(std::clamp(data.iDataSize, 0, kMaxAuxData));

@@ -19,6 +19,10 @@ using namespace LumavenTest::Amd;
 
 namespace {
 
+// A header version these tests own, older than the fake's: what a caller built against
+// ADLX 1.2 passes.
+constexpr adlx_uint64 kHeaderVersion = 0x0001000200000048ULL;
+
 std::string Laptop(bool varibrightSupported)
 {
     return std::string(R"({"monitors":[{"panel":"4C836C41"}],"libraries":{"amdadlx64.dll":"amdadlx64.dll"},)") +
@@ -59,7 +63,7 @@ protected:
     // ADLX initialised, its display services, and its display list.
     void Open()
     {
-        ASSERT_TRUE(ADLX_SUCCEEDED(m_initialize(ADLX_FULL_VERSION, &m_system)));
+        ASSERT_TRUE(ADLX_SUCCEEDED(m_initialize(kHeaderVersion, &m_system)));
         ASSERT_EQ(m_system->GetDisplaysServices(&m_services), ADLX_OK);
         ASSERT_EQ(m_services->GetDisplays(&m_list), ADLX_OK);
         LumavenSim::ClearTransactions();
@@ -110,15 +114,15 @@ TEST_F(FakeAdlx, InitializeRefusesHeaderVersionsItCannotServe)
                   "version 0x000100040000006F is newer");
     EXPECT_EQ(system, nullptr);
     EXPECT_FALSE(Flag(State()["adlx"], "initialized"));
-    // Its own version and the service's older header are both fine.
+    // Its own version and an older header are both fine.
     EXPECT_EQ(m_initialize(0x000100040000006EULL, &system), ADLX_OK);
     EXPECT_NE(system, nullptr);
-    EXPECT_EQ(m_initialize(ADLX_FULL_VERSION, &system), ADLX_ALREADY_INITIALIZED);
+    EXPECT_EQ(m_initialize(kHeaderVersion, &system), ADLX_ALREADY_INITIALIZED);
 }
 
 TEST_F(FakeAdlx, NullArgumentsAreRefused)
 {
-    ExpectRefused("ADLXInitialize", m_initialize(ADLX_FULL_VERSION, nullptr), ADLX_INVALID_ARGS,
+    ExpectRefused("ADLXInitialize", m_initialize(kHeaderVersion, nullptr), ADLX_INVALID_ARGS,
                   "no system pointer to fill");
     ExpectRefused("ADLXQueryFullVersion", m_fullVersion(nullptr), ADLX_INVALID_ARGS, "no version to fill");
     ExpectRefused("ADLXQueryVersion", m_version(nullptr), ADLX_INVALID_ARGS, "no version to fill");
@@ -126,18 +130,18 @@ TEST_F(FakeAdlx, NullArgumentsAreRefused)
     adlx::IADLMapping* mapping = nullptr;
     int adlContext = 0;
     ExpectRefused("ADLXInitializeWithCallerAdl",
-                  m_initWithCallerAdl(ADLX_FULL_VERSION, &system, &mapping, nullptr, &FreeAdlMemory), ADLX_INVALID_ARGS,
+                  m_initWithCallerAdl(kHeaderVersion, &system, &mapping, nullptr, &FreeAdlMemory), ADLX_INVALID_ARGS,
                   "no ADL context");
     ExpectRefused("ADLXInitializeWithCallerAdl",
-                  m_initWithCallerAdl(ADLX_FULL_VERSION, &system, &mapping, &adlContext, nullptr), ADLX_INVALID_ARGS,
+                  m_initWithCallerAdl(kHeaderVersion, &system, &mapping, &adlContext, nullptr), ADLX_INVALID_ARGS,
                   "no ADL memory free function");
     ExpectRefused("ADLXInitializeWithCallerAdl",
-                  m_initWithCallerAdl(ADLX_FULL_VERSION, &system, nullptr, &adlContext, &FreeAdlMemory),
+                  m_initWithCallerAdl(kHeaderVersion, &system, nullptr, &adlContext, &FreeAdlMemory),
                   ADLX_INVALID_ARGS, "no ADL mapping pointer to fill");
     EXPECT_EQ(system, nullptr);
-    EXPECT_EQ(m_initWithCallerAdl(ADLX_FULL_VERSION, &system, &mapping, &adlContext, &FreeAdlMemory), ADLX_OK);
+    EXPECT_EQ(m_initWithCallerAdl(kHeaderVersion, &system, &mapping, &adlContext, &FreeAdlMemory), ADLX_OK);
 
-    Open();
+    ASSERT_NO_FATAL_FAILURE(Open());
     adlx::IADLXDisplay* display = nullptr;
     ExpectRefused("At", m_list->At_DisplayList(0, nullptr), ADLX_INVALID_ARGS, "no pointer to fill");
     ASSERT_EQ(m_list->At_DisplayList(0, &display), ADLX_OK);
@@ -152,7 +156,7 @@ TEST_F(FakeAdlx, NullArgumentsAreRefused)
 
 TEST_F(FakeAdlx, AnIndexPastTheListIsRefused)
 {
-    Open();
+    ASSERT_NO_FATAL_FAILURE(Open());
     adlx::IADLXDisplay* display = reinterpret_cast<adlx::IADLXDisplay*>(1);
     ExpectRefused("At", m_list->At_DisplayList(1, &display), ADLX_INVALID_ARGS, "index 1 past the 1 displays");
     EXPECT_EQ(display, nullptr);
@@ -162,7 +166,7 @@ TEST_F(FakeAdlx, AnIndexPastTheListIsRefused)
 
 TEST_F(FakeAdlx, InterfacesUsedAfterTheirLastReleaseAreRefused)
 {
-    Open();
+    ASSERT_NO_FATAL_FAILURE(Open());
     adlx::IADLXDisplay* display = nullptr;
     ASSERT_EQ(m_list->At_DisplayList(0, &display), ADLX_OK);
     EXPECT_EQ(m_list->Release(), 0);
@@ -188,7 +192,7 @@ TEST_F(FakeAdlx, InterfacesUsedAfterTheirLastReleaseAreRefused)
 
 TEST_F(FakeAdlx, AReleasedVariBrightInterfaceChangesNothing)
 {
-    Open();
+    ASSERT_NO_FATAL_FAILURE(Open());
     adlx::IADLXDisplay* display = nullptr;
     ASSERT_EQ(m_list->At_DisplayList(0, &display), ADLX_OK);
     adlx::IADLXDisplayVariBright* varibright = nullptr;
@@ -208,7 +212,7 @@ TEST_F(FakeAdlx, AReleasedVariBrightInterfaceChangesNothing)
 
 TEST_F(FakeAdlx, GetVariBrightRefusesADisplayItDidNotHandOutOrThatWasReleased)
 {
-    Open();
+    ASSERT_NO_FATAL_FAILURE(Open());
     // Never called: the display services do not look into what they did not make.
     int notADisplay = 0;
     adlx::IADLXDisplayVariBright* varibright = reinterpret_cast<adlx::IADLXDisplayVariBright*>(1);
@@ -236,7 +240,7 @@ TEST_F(FakeAdlx, SetEnabledOnADisplayWithoutVariBrightIsRefused)
     m_module.reset();
     LumavenTest::InstallProfile(Laptop(false));
     Load();
-    Open();
+    ASSERT_NO_FATAL_FAILURE(Open());
     adlx::IADLXDisplay* display = nullptr;
     ASSERT_EQ(m_list->At_DisplayList(0, &display), ADLX_OK);
     adlx::IADLXDisplayVariBright* varibright = nullptr;

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
@@ -42,12 +43,38 @@ protected:
         EXPECT_EQ(last["result"].GetUint(), code) << function;
     }
 
+    static ctl_power_optimization_settings_t OpstOn() { return Dpst(true, CTL_POWER_OPTIMIZATION_DPST_FLAG_OPST); }
+
     // An AUX write of one byte to 0x4056, as the service fills it.
     static ctl_aux_access_args_t Write() { return Aux(CTL_OPERATION_TYPE_WRITE, 0x4056, {0x5A}); }
 
     ctl_result_t Access(ctl_aux_access_args_t args) { return ctlAUXAccess(Panel(), &args); }
 
-    static ctl_power_optimization_settings_t OpstOn() { return Dpst(true, CTL_POWER_OPTIMIZATION_DPST_FLAG_OPST); }
+    // An AUX write as the service fills it, changed by `change`, is refused.
+    template <class Change>
+    void ExpectAuxRefused(Change change, uint32_t code, const std::string& reason)
+    {
+        ctl_aux_access_args_t args = Write();
+        change(args);
+        ExpectRefused("ctlAUXAccess", Access(args), code, reason);
+    }
+
+    using SettingsCall = ctl_result_t(CTL_APICALL*)(ctl_display_output_handle_t, ctl_power_optimization_settings_t*);
+    // The request to switch OPST on, changed by `change`, is refused by the getter and the
+    // setter alike.
+    template <class Change>
+    void ExpectSettingsRefused(Change change, uint32_t code, const std::string& reason)
+    {
+        const std::pair<const char*, SettingsCall> calls[] = {
+            {"ctlGetPowerOptimizationSetting", ctlGetPowerOptimizationSetting},
+            {"ctlSetPowerOptimizationSetting", ctlSetPowerOptimizationSetting}};
+        for (const auto& [function, call] : calls) {
+            ctl_power_optimization_settings_t settings = OpstOn();
+            change(settings);
+            ExpectRefused(function, call(Panel(), &settings), code, reason);
+        }
+    }
+
 
     // The panel's register 0x4056 and OPST state: what a refused call must leave alone.
     static void ExpectPanelUntouched()
@@ -139,32 +166,23 @@ TEST_F(FakeControlLibChecks, DisplayPropertiesOfAnotherSizeOrWithReservedFieldsS
 TEST_F(FakeControlLibChecks, AuxRecordOfAnotherSizeOrVersionIsRefused)
 {
     Open();
-    ctl_aux_access_args_t args = Write();
-    args.Size = sizeof args - 1;
-    ExpectRefused("ctlAUXAccess", Access(args), kInvalidArgument, "Size 175, expected 176");
-    args = Write();
-    args.Version = 1;
-    ExpectRefused("ctlAUXAccess", Access(args), kUnsupportedVersion, "Version 1, expected 0");
+    ExpectAuxRefused([](auto& args) { args.Size = sizeof args - 1; }, kInvalidArgument, "Size 175, expected 176");
+    ExpectAuxRefused([](auto& args) { args.Version = 1; }, kUnsupportedVersion, "Version 1, expected 0");
     ExpectPanelUntouched();
 }
 
 TEST_F(FakeControlLibChecks, AuxOperationAndFlagsMustNameOneKnownChannel)
 {
     Open();
-    ctl_aux_access_args_t args = Write();
-    args.OpType = static_cast<ctl_operation_type_t>(0);
-    ExpectRefused("ctlAUXAccess", Access(args), kInvalidArgument, "OpType 0 is neither read nor write");
-    args.OpType = static_cast<ctl_operation_type_t>(3);
-    ExpectRefused("ctlAUXAccess", Access(args), kInvalidArgument, "OpType 3 is neither read nor write");
+    for (const uint32_t op : {0u, 3u}) {
+        ExpectAuxRefused([op](auto& args) { args.OpType = static_cast<ctl_operation_type_t>(op); }, kInvalidArgument,
+                         "OpType " + std::to_string(op) + " is neither read nor write");
+    }
     for (const uint32_t flags : {0x0u, 0x3u, 0x5u, 0x4u, 0x8u, 0x9u}) {
-        args = Write();
-        args.Flags = flags;
-        ExpectRefused("ctlAUXAccess", Access(args), kInvalidArgument, "Flags 0x");
+        ExpectAuxRefused([flags](auto& args) { args.Flags = flags; }, kInvalidArgument, "Flags 0x");
     }
     for (const uint32_t flags : {CTL_AUX_FLAG_I2C_AUX, CTL_AUX_FLAG_I2C_AUX | CTL_AUX_FLAG_I2C_AUX_MOT}) {
-        args = Write();
-        args.Flags = flags;
-        ExpectRefused("ctlAUXAccess", Access(args), kUnsupportedFeature, "Flags 0x");
+        ExpectAuxRefused([flags](auto& args) { args.Flags = flags; }, kUnsupportedFeature, "Flags 0x");
     }
     ExpectPanelUntouched();
 }
@@ -172,12 +190,8 @@ TEST_F(FakeControlLibChecks, AuxOperationAndFlagsMustNameOneKnownChannel)
 TEST_F(FakeControlLibChecks, AuxToAnotherPortOrBranchIsRefused)
 {
     Open();
-    ctl_aux_access_args_t args = Write();
-    args.RAD = 1;
-    ExpectRefused("ctlAUXAccess", Access(args), kInvalidArgument, "RAD 0x1 is not zero");
-    args = Write();
-    args.PortID = 2;
-    ExpectRefused("ctlAUXAccess", Access(args), kInvalidArgument, "PortID 2 is not zero");
+    ExpectAuxRefused([](auto& args) { args.RAD = 1; }, kInvalidArgument, "RAD 0x1 is not zero");
+    ExpectAuxRefused([](auto& args) { args.PortID = 2; }, kInvalidArgument, "PortID 2 is not zero");
     ExpectPanelUntouched();
 }
 
@@ -229,41 +243,27 @@ TEST_F(FakeControlLibChecks, PowerCapsOfAnotherSizeOrVersionAreRefused)
 TEST_F(FakeControlLibChecks, PowerSettingsOfAnotherSizeOrVersionAreRefused)
 {
     Open();
-    for (const char* function : {"ctlGetPowerOptimizationSetting", "ctlSetPowerOptimizationSetting"}) {
-        const auto call = function == std::string("ctlGetPowerOptimizationSetting") ? ctlGetPowerOptimizationSetting
-                                                                                    : ctlSetPowerOptimizationSetting;
-        ctl_power_optimization_settings_t settings = OpstOn();
-        settings.Size = sizeof settings - 1;
-        ExpectRefused(function, call(Panel(), &settings), kInvalidArgument, "Size 43, expected 44");
-        settings = OpstOn();
-        settings.Version = 1;
-        ExpectRefused(function, call(Panel(), &settings), kUnsupportedVersion, "Version 1, expected 0");
-    }
+    ExpectSettingsRefused([](auto& settings) { settings.Size = sizeof settings - 1; }, kInvalidArgument,
+                          "Size 43, expected 44");
+    ExpectSettingsRefused([](auto& settings) { settings.Version = 1; }, kUnsupportedVersion, "Version 1, expected 0");
     ExpectPanelUntouched();
 }
 
 TEST_F(FakeControlLibChecks, PowerSettingsOutsideTheirEnumerationsAreRefused)
 {
     Open();
-    for (const char* function : {"ctlGetPowerOptimizationSetting", "ctlSetPowerOptimizationSetting"}) {
-        const auto call = function == std::string("ctlGetPowerOptimizationSetting") ? ctlGetPowerOptimizationSetting
-                                                                                    : ctlSetPowerOptimizationSetting;
-        ctl_power_optimization_settings_t settings = OpstOn();
-        settings.PowerSource = static_cast<ctl_power_source_t>(2);
-        ExpectRefused(function, call(Panel(), &settings), kInvalidArgument, "PowerSource 2 is neither AC nor DC");
-        settings = OpstOn();
-        settings.PowerOptimizationPlan = static_cast<ctl_power_optimization_plan_t>(3);
-        ExpectRefused(function, call(Panel(), &settings), kInvalidArgument, "PowerOptimizationPlan 3 is unknown");
-        for (const uint32_t feature : {0x0u, 0x6u, 0x20u}) {
-            settings = OpstOn();
-            settings.PowerOptimizationFeature = feature;
-            ExpectRefused(function, call(Panel(), &settings), kInvalidArgument, "PowerOptimizationFeature 0x");
-        }
-        // A known feature that this panel's driver does not implement is another matter.
-        settings = OpstOn();
-        settings.PowerOptimizationFeature = CTL_POWER_OPTIMIZATION_FLAG_PSR;
-        ExpectRefused(function, call(Panel(), &settings), kUnsupportedFeature, "only DPST is implemented");
+    ExpectSettingsRefused([](auto& settings) { settings.PowerSource = static_cast<ctl_power_source_t>(2); },
+                          kInvalidArgument, "PowerSource 2 is neither AC nor DC");
+    ExpectSettingsRefused(
+        [](auto& settings) { settings.PowerOptimizationPlan = static_cast<ctl_power_optimization_plan_t>(3); },
+        kInvalidArgument, "PowerOptimizationPlan 3 is unknown");
+    for (const uint32_t feature : {0x0u, 0x6u, 0x20u}) {
+        ExpectSettingsRefused([feature](auto& settings) { settings.PowerOptimizationFeature = feature; },
+                              kInvalidArgument, "PowerOptimizationFeature 0x");
     }
+    // A known feature that this driver does not implement is another matter.
+    ExpectSettingsRefused([](auto& settings) { settings.PowerOptimizationFeature = CTL_POWER_OPTIMIZATION_FLAG_PSR; },
+                          kUnsupportedFeature, "only DPST is implemented");
     ExpectPanelUntouched();
     // Every plan and both power sources are fine.
     for (const uint32_t plan : {0u, 1u, 2u}) {

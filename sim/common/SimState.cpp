@@ -140,10 +140,30 @@ int64_t CallCount(const rapidjson::Document& state, const char* function)
 
 void AppendTransaction(const rapidjson::Value& record)
 {
+    // Taken before the lock: the time of the call, not of its turn at the file.
+    const int64_t time = TransactionClock();
+    rapidjson::Document timed;
+    timed.CopyFrom(record, timed.GetAllocator());
+    if (timed.IsObject()) {
+        timed.RemoveMember("time");
+        timed.AddMember("time", time, timed.GetAllocator());
+    }
     StateLock lock;
     CreateDirectoryW(StateDirectory().c_str(), nullptr);
     std::ofstream out(TransactionFile().c_str(), std::ios::binary | std::ios::app);
-    out << Compact(record) << '\n';
+    out << Compact(timed) << '\n';
+}
+
+int64_t TransactionClock()
+{
+    LARGE_INTEGER frequency{};
+    LARGE_INTEGER now{};
+    QueryPerformanceFrequency(&frequency);
+    QueryPerformanceCounter(&now);
+    // Whole seconds and the remainder apart, so that the product cannot overflow.
+    const int64_t seconds = now.QuadPart / frequency.QuadPart;
+    const int64_t rest = now.QuadPart % frequency.QuadPart;
+    return seconds * 1000000 + rest * 1000000 / frequency.QuadPart;
 }
 
 std::vector<std::string> ReadTransactions()

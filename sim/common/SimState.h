@@ -34,8 +34,12 @@ std::optional<int64_t> TakeFault(rapidjson::Document& state, const char* functio
 // How many times `function` has been called since the profile was installed.
 int64_t CallCount(const rapidjson::Document& state, const char* function);
 
-// Appends one record (a JSON object written compactly) to the transaction log.
+// Appends one record (a JSON object written compactly) to the transaction log, with the
+// member "time" added: TransactionClock() when the record was written.
 void AppendTransaction(const rapidjson::Value& record);
+// Microseconds of the performance counter: one clock for every process of the machine, so a
+// test can compare the time of a driver call with a time it took itself.
+int64_t TransactionClock();
 // Every record of the log, in order, as compact JSON texts.
 std::vector<std::string> ReadTransactions();
 void ClearTransactions();

@@ -15,8 +15,8 @@ namespace {
 
 constexpr char kQualifiedName[] = "Xelto::Spanlet::Server::Services::Lumaven::LumavenService::CheckVideoControllerType";
 
-// The controllers' names as wide strings, in enumeration order. An element that is not a
-// string cannot name a vendor and stands as an empty name.
+}  // namespace
+
 std::vector<std::wstring> ControllerNames(const JsonValue& result)
 {
     std::vector<std::wstring> names;
@@ -26,8 +26,6 @@ std::vector<std::wstring> ControllerNames(const JsonValue& result)
     }
     return names;
 }
-
-}  // namespace
 
 int32_t VendorFromControllerNames(const std::vector<std::wstring>& names)
 {

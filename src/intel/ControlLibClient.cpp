@@ -37,9 +37,17 @@ Function LookUp(const char* name)
 
 }  // namespace
 
+void FormatLibraryFileName(wchar_t (&path)[kControlLibPathCapacity], const wchar_t* baseName)
+{
+    static_assert(kControlLibFileNameBytes <= kControlLibPathCapacity * sizeof(wchar_t));
+    // The formatter's own result is not needed: a name that does not fit is cut.
+    (void)StringCbPrintfW(path, kControlLibFileNameBytes, L"%s.dll", baseName);
+}
+
 }  // namespace Xelto::Spanlet::Server::Services::Lumaven
 
 using Xelto::Spanlet::Server::Services::Lumaven::controlLibModule;
+using Xelto::Spanlet::Server::Services::Lumaven::FormatLibraryFileName;
 using Xelto::Spanlet::Server::Services::Lumaven::kControlLibPathCapacity;
 using Xelto::Spanlet::Server::Services::Lumaven::LookUp;
 using Xelto::Spanlet::Server::Services::Lumaven::runtimePathArgs;
@@ -58,8 +66,7 @@ extern "C" ctl_result_t CTL_APICALL ctlInit(ctl_init_args_t* pInitDesc, ctl_api_
             result = CTL_RESULT_ERROR_UNSUPPORTED_VERSION;
             load = false;
         } else {
-            // The formatter's own result is not needed: the name always fits.
-            (void)StringCbPrintfW(path, sizeof path, L"%s.dll", L"ControlLib");
+            FormatLibraryFileName(path, L"ControlLib");
         }
         if (load) {
             // A runtime path goes to the loader as it stands; only a bare name is searched

@@ -34,4 +34,11 @@ extern ctl_runtime_path_args_t* runtimePathArgs;
 // Characters of ctlInit's library path buffer, the terminator included.
 constexpr size_t kControlLibPathCapacity = 512;
 
+// Bytes, not characters, that a formatted library file name may take, its terminator
+// included: at most 255 characters, while a runtime path may fill the whole buffer.
+constexpr size_t kControlLibFileNameBytes = 512;
+
+// Writes "<baseName>.dll" into `path`, cut to what fits in kControlLibFileNameBytes.
+void FormatLibraryFileName(wchar_t (&path)[kControlLibPathCapacity], const wchar_t* baseName);
+
 }  // namespace Xelto::Spanlet::Server::Services::Lumaven

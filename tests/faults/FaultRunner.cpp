@@ -16,6 +16,7 @@
 // The readers of the simulated drivers' state that the AMD unit suites use.
 #include "../unit/AdlSimSupport.h"
 #include "LogCapture.h"
+#include "PowerSettings.h"
 #include "ServiceCall.h"
 #include "SimMachine.h"
 
@@ -298,7 +299,7 @@ Outcome Run(LumavenService& service, const Action& action)
     }
     case Act::Event: {
         POWERBROADCAST_SETTING record{};
-        record.PowerSetting = GUID_CONSOLE_DISPLAY_STATE;
+        record.PowerSetting = LumavenTest::kConsoleDisplayState;
         record.DataLength = sizeof(DWORD);
         record.Data[0] = 1;
         outcome.status = service.oled_power_event_task(nullptr, &record);

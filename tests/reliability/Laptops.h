@@ -2,6 +2,8 @@
 // a host forwards.
 #pragma once
 
+#include "PowerSettings.h"
+
 #include <windows.h>
 
 #include <cstdint>
@@ -45,9 +47,9 @@ struct LaptopTestName {
     }
 };
 
-// GUID_CONSOLE_DISPLAY_STATE and GUID_LIDSWITCH_STATE_CHANGE, the two the service acts on.
-inline constexpr GUID kDisplayState{0x6FE69556, 0x704A, 0x47A0, {0x8F, 0x24, 0xC2, 0x8D, 0x93, 0x6F, 0xDA, 0x47}};
-inline constexpr GUID kLidSwitch{0xBA3E0F4D, 0xB817, 0x4094, {0xA2, 0xD1, 0xD5, 0x63, 0x79, 0xE6, 0xA0, 0xF3}};
+// The display-state and lid-switch settings, the two the service acts on.
+inline constexpr const GUID& kDisplayState = LumavenTest::kConsoleDisplayState;
+inline constexpr const GUID& kLidSwitch = LumavenTest::kLidSwitchStateChange;
 // Notifications the service must leave alone when their first byte is 1: AC/DC power source,
 // battery percentage, the older monitor-power setting, session display status.
 inline constexpr GUID kUnrelatedSettings[] = {

@@ -4,6 +4,7 @@
 #include "HostedService.h"
 #include "IntelState.h"
 #include "LogCapture.h"
+#include "PowerSettings.h"
 #include "Registry.h"
 #include "SimMachine.h"
 #include "SimState.h"
@@ -11,11 +12,14 @@
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
 
+#include <algorithm>
 #include <chrono>
 #include <string>
 #include <vector>
 
 using LumavenTest::HostedService;
+using LumavenTest::kConsoleDisplayState;
+using LumavenTest::kLidSwitchStateChange;
 using LumavenTest::LogCapture;
 using std::chrono::milliseconds;
 
@@ -34,22 +38,47 @@ rapidjson::Document State()
     return copy;
 }
 
-// The AUX writes the fakes logged since the log was last cleared: "address=bytes" each.
+// The AUX writes the fakes logged since the log was last cleared, in order.
+std::vector<rapidjson::Document> AuxWriteRecords()
+{
+    std::vector<rapidjson::Document> writes;
+    for (auto& record : LumavenTest::Transactions()) {
+        const std::string call = record.HasMember("call") ? record["call"].GetString() : "";
+        if ((call == "ctlAUXAccess" && std::string(record["op"].GetString()) == "write") ||
+            call == "ADL2_Display_NativeAUXChannel_Access") {
+            writes.push_back(std::move(record));
+        }
+    }
+    return writes;
+}
+
+// The same writes as "address=bytes" each.
 std::vector<std::string> AuxWrites()
 {
     std::vector<std::string> writes;
-    for (const auto& record : LumavenTest::Transactions()) {
-        const std::string call = record.HasMember("call") ? record["call"].GetString() : "";
+    for (const auto& record : AuxWriteRecords()) {
         char address[16];
-        if (call == "ctlAUXAccess" && std::string(record["op"].GetString()) == "write") {
+        if (std::string(record["call"].GetString()) == "ctlAUXAccess") {
             snprintf(address, sizeof address, "%04X", record["address"].GetUint());
             writes.push_back(std::string(address) + "=" + record["data"].GetString());
-        } else if (call == "ADL2_Display_NativeAUXChannel_Access") {
+        } else {
             snprintf(address, sizeof address, "%04X", static_cast<unsigned>(record["address"].GetInt()));
             writes.push_back(std::string(address) + "=" + record["bytes"].GetString());
         }
     }
     return writes;
+}
+
+// How long after `since` (a TransactionClock time) the earliest logged AUX write was made;
+// -1 ms when there was none.
+milliseconds FirstAuxWriteAfter(int64_t since)
+{
+    int64_t first = -1;
+    for (const auto& record : AuxWriteRecords()) {
+        const int64_t time = record["time"].GetInt64();
+        first = first < 0 ? time : std::min(first, time);
+    }
+    return milliseconds(first < 0 ? -1 : (first - since) / 1000);
 }
 
 int AmdRegister(const char* address)
@@ -140,18 +169,19 @@ TEST_F(IntelLaptop, DisplayOnReappliesTheOnSequenceOncePerCycle)
     host.Run(5);
     LumavenSim::ClearTransactions();
 
-    EXPECT_LT(host.Deliver(GUID_CONSOLE_DISPLAY_STATE, 0), milliseconds(400));
+    EXPECT_LT(host.Deliver(kConsoleDisplayState, 0), milliseconds(400));
     EXPECT_TRUE(AuxWrites().empty());
-    const milliseconds reapply = host.Deliver(GUID_CONSOLE_DISPLAY_STATE, 1);
-    EXPECT_GE(reapply, milliseconds(480)) << "the panel is given half a second";
+    const int64_t delivered = LumavenSim::TransactionClock();
+    host.Deliver(kConsoleDisplayState, 1);
     EXPECT_EQ(AuxWrites(), std::vector<std::string>{"4027=C0"});
+    EXPECT_GE(FirstAuxWriteAfter(delivered), milliseconds(490)) << "the panel is given half a second before the write";
 
     LumavenSim::ClearTransactions();
-    EXPECT_LT(host.Deliver(GUID_CONSOLE_DISPLAY_STATE, 1), milliseconds(400));
+    EXPECT_LT(host.Deliver(kConsoleDisplayState, 1), milliseconds(400));
     EXPECT_TRUE(AuxWrites().empty()) << "a second display-on in a row does nothing";
 
-    host.Deliver(GUID_LIDSWITCH_STATE_CHANGE, 0);
-    host.Deliver(GUID_LIDSWITCH_STATE_CHANGE, 1);
+    host.Deliver(kLidSwitchStateChange, 0);
+    host.Deliver(kLidSwitchStateChange, 1);
     EXPECT_EQ(AuxWrites(), std::vector<std::string>{"4027=C0"}) << "lid open after lid closed re-applies";
 }
 
@@ -161,8 +191,8 @@ TEST_F(IntelLaptop, EventsWhileStoredOffOnlyLogTheirEntry)
     host.Run(6);
     LumavenSim::ClearTransactions();
     LogCapture capture;
-    host.Deliver(GUID_CONSOLE_DISPLAY_STATE, 0);
-    host.Deliver(GUID_CONSOLE_DISPLAY_STATE, 1);
+    host.Deliver(kConsoleDisplayState, 0);
+    host.Deliver(kConsoleDisplayState, 1);
     EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
     EXPECT_EQ(capture.Count(L"LumavenService - OledEventCalled entered"), 2u);
     EXPECT_EQ(capture.Count(L"LumavenService - OledEventCalled OLED ON"), 0u);
@@ -245,10 +275,12 @@ TEST_F(AmdLaptop, DisplayOnReappliesThroughAdl)
     HostedService host;
     host.Run(9, L"{\"BValue\":true}");
     LumavenSim::ClearTransactions();
-    host.Deliver(GUID_CONSOLE_DISPLAY_STATE, 0);
+    host.Deliver(kConsoleDisplayState, 0);
     EXPECT_TRUE(AuxWrites().empty());
-    EXPECT_GE(host.Deliver(GUID_CONSOLE_DISPLAY_STATE, 1), milliseconds(480));
+    const int64_t delivered = LumavenSim::TransactionClock();
+    host.Deliver(kConsoleDisplayState, 1);
     EXPECT_EQ(AuxWrites(), (std::vector<std::string>{"045C=06", "0454=18", "0453=41", "045A=C0", "045B=40"}));
+    EXPECT_GE(FirstAuxWriteAfter(delivered), milliseconds(490)) << "the panel is given half a second before the write";
 }
 
 TEST(OtherVendor, CommandsThatNeedAVendorDoNothing)

@@ -214,13 +214,20 @@ TEST_F(AdlAuxChannel, MissingAuxEntryPointHasItsOwnMessageAndWritesNothing)
     EXPECT_TRUE(Calls().empty()) << "no context to destroy";
 }
 
-TEST_F(AdlAuxChannel, MissingRequiredEntryPointLogsApiMissing)
+TEST_F(AdlAuxChannel, EachMissingRequiredEntryPointLogsApiMissing)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, R"({"atiadlxx.dll":"atiadlxx_nodisplayinfo.dll"})"));
-    m_capture.Clear();
-    EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
-    EXPECT_EQ(Logged(), std::vector<std::wstring>{L"ADL2's API is missing!"});
-    EXPECT_TRUE(Calls().empty());
+    // One library per required entry point, each without just that one.
+    for (const char* library : {"atiadlxx_nocreate.dll", "atiadlxx_nocount.dll", "atiadlxx_noadapterinfo.dll",
+                                "atiadlxx_nodisplayinfo.dll", "atiadlxx_nodestroy.dll"}) {
+        SCOPED_TRACE(library);
+        InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, std::string(R"({"atiadlxx.dll":")") + library + R"("})"));
+        m_capture.Clear();
+        EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+        EXPECT_EQ(Logged(), std::vector<std::wstring>{L"ADL2's API is missing!"});
+        EXPECT_TRUE(Calls().empty()) << "ADL is not even initialised";
+        ReleaseAdlBinding();
+        EXPECT_EQ(StateNumber("amd", "unloads"), 1);
+    }
 }
 
 TEST_F(AdlAuxChannel, FailedCreateLogsInitializationError)

@@ -68,6 +68,26 @@ TEST_F(AdlxHelper, MissingLibraryFailsWith3AndChangesNothing)
     EXPECT_TRUE(Calls().empty());
 }
 
+TEST_F(AdlxHelper, MissingLibraryAfterASuccessfulInitialisationChangesNothing)
+{
+    // The objects of an earlier initialisation, kept across the termination as always.
+    InstallProfile(Laptop());
+    InitializeAdlxDisplay();
+    ASSERT_NE(adlxDisplayServices, nullptr);
+    ASSERT_NE(adlxDisplay, nullptr);
+    adlx::IADLXDisplayServices* const servicesBefore = adlxDisplayServices.get();
+    adlx::IADLXDisplay* const displayBefore = adlxDisplay.get();
+    ASSERT_EQ(g_ADLXHelp.Terminate(), ADLX_OK);
+
+    InstallProfile(Laptop(R"({"varibrightSupported":true})", ""));
+    InitializeAdlxDisplay();
+    EXPECT_EQ(adlxDisplayServices.get(), servicesBefore);
+    EXPECT_EQ(adlxDisplay.get(), displayBefore);
+    EXPECT_FALSE(g_ADLXHelp.IsLoaded());
+    EXPECT_EQ(g_ADLXHelp.GetSystemServices(), nullptr);
+    EXPECT_TRUE(Calls().empty());
+}
+
 TEST_F(AdlxHelper, LibraryWithoutInitializeWithIncompatibleDriverFailsWith3)
 {
     InstallProfile(Laptop(R"({"varibrightSupported":true})", "amdadlx64_noincompat.dll"));

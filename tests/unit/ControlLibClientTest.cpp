@@ -310,6 +310,17 @@ TEST_F(ControlLibClient, RuntimePathOf600CharactersIsCutTo511)
     EXPECT_EQ(std::string(calls[0]["path"].GetString()).size(), 600u);
 }
 
+TEST_F(ControlLibClient, FormattedLibraryNameKeepsAtMost255Characters)
+{
+    wchar_t path[kControlLibPathCapacity];
+    FormatLibraryFileName(path, L"ControlLib");
+    EXPECT_EQ(std::wstring(path), L"ControlLib.dll");
+    // 512 bytes hold 255 characters and the terminator: a longer name is cut, ".dll" and all.
+    const std::wstring base(300, L'n');
+    FormatLibraryFileName(path, base.c_str());
+    EXPECT_EQ(std::wstring(path), std::wstring(255, L'n'));
+}
+
 TEST_F(ControlLibClient, NullInitArgumentsReachTheLibraryWhichRefusesThem)
 {
     InstallIntel("ControlLib.dll");

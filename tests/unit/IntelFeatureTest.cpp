@@ -181,6 +181,60 @@ TEST_F(IntelFeature, UnsupportedPanelWritesNothing)
     EXPECT_EQ(LumavenTest::OledDword(), 0u);
 }
 
+TEST_F(IntelFeature, WithoutTheSharedTableNothingIsWritten)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}}));
+    // As before any start-up on an Intel machine: the AUX writer has no table to read.
+    g_auxData = nullptr;
+    LumavenTest::SetOledDword(0);
+    LogCapture capture;
+    const auto result = Run(5);
+    EXPECT_EQ(result.status, StatusSuccess);
+    EXPECT_EQ(result.response, L"{\"result\":false}");
+    EXPECT_EQ(capture.Count(L"AuxDataMapPtr is not initialized"), 1u);
+    EXPECT_EQ(capture.Count(L"Can't find the Pid Vid"), 0u);
+    EXPECT_EQ(CallCount("ctlAUXAccess"), 0u);
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(IntelFeature, PanelWithoutASequenceForTheFlagWritesNothing)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}}));
+    ASSERT_EQ(g_auxData, m_service->m_auxData.get());
+    ASSERT_EQ(g_auxData->erase({0x4174834C, true}), 1u);
+    LumavenTest::SetOledDword(0);
+    LogCapture capture;
+    const auto on = Run(5);
+    EXPECT_EQ(on.status, StatusSuccess);
+    EXPECT_EQ(on.response, L"{\"result\":false}");
+    EXPECT_EQ(capture.Count(L"Can't find the Aux data of Pid Vid: 4174834c"), 1u);
+    EXPECT_EQ(g_auxData->count({0x4174834C, true}), 0u) << "the look-up adds no entry";
+    EXPECT_EQ(CallCount("ctlAUXAccess"), 0u);
+    for (const auto& text : capture.Texts()) {
+        EXPECT_EQ(text.rfind(L"EnumerateTargetDisplays returned failure code", 0), std::wstring::npos)
+            << "the display counts as done, with the answer false: " << std::string(text.begin(), text.end());
+    }
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+    // The other flag still has its sequence.
+    EXPECT_EQ(Run(6).response, L"{\"result\":true}");
+    EXPECT_EQ(CallCount("ctlAUXAccess"), 2u);
+}
+
+TEST_F(IntelFeature, LastDisplayThatAnswersDecides)
+{
+    const std::string opstOn = R"({"attached":true,"opstSupported":true,"dpstEnabled":4})";
+    const std::string opstOff = R"({"attached":true,"opstSupported":true,"dpstEnabled":0})";
+    Machine(kPanel4174, Adapters({{opstOn, opstOff}}));
+    auto result = Run(1);
+    EXPECT_EQ(result.status, StatusSuccess);
+    EXPECT_EQ(result.response, L"{\"result\":false}") << "on, then off";
+    EXPECT_EQ(CallCount("ctlGetPowerOptimizationSetting"), 2u) << "both displays answered";
+    Machine(kPanel4174, Adapters({{opstOff, opstOn}}));
+    result = Run(1);
+    EXPECT_EQ(result.status, StatusSuccess);
+    EXPECT_EQ(result.response, L"{\"result\":true}") << "off, then on";
+}
+
 TEST_F(IntelFeature, SecondOfFourWritesFailingStopsTheSequence)
 {
     Machine(kPanel4160, Adapters({{kOpstOutput}}), R"([{"function":"ctlAUXAccess","code":1073741835,"nth":2}])");
@@ -278,7 +332,8 @@ TEST_F(IntelFeature, EnableAndDisableOpstSwitchThePanelAndRecordIt)
 TEST_F(IntelFeature, EnableOpstWithoutSupportAnswersFalseAndLeavesTheSetting)
 {
     Machine(kPanel4174, Adapters({{kNoOpstOutput}}));
-    LumavenTest::SetOledDword(0);
+    // Stored as on, so that a switch that records "off" on failure cannot pass unseen.
+    LumavenTest::SetOledDword(1);
     LogCapture capture;
     const auto result = Run(2);
     EXPECT_EQ(result.status, StatusSuccess);
@@ -286,7 +341,7 @@ TEST_F(IntelFeature, EnableOpstWithoutSupportAnswersFalseAndLeavesTheSetting)
     EXPECT_EQ(capture.Count(L"OPST is not supported"), 1u);
     EXPECT_EQ(capture.Count(L"EnumerateTargetDisplays returned failure code: 0x4000000A\n"), 1u);
     EXPECT_EQ(CallCount("ctlSetPowerOptimizationSetting"), 0u);
-    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+    EXPECT_EQ(LumavenTest::OledDword(), 1u);
 }
 
 TEST_F(IntelFeature, FailedSetWithAGoodReadBackAnswersThePanelState)

@@ -2,6 +2,7 @@
 // event path, on the service object itself.
 #include "AdlSimSupport.h"
 #include "LogCapture.h"
+#include "PowerSettings.h"
 #include "Registry.h"
 #include "ServiceCall.h"
 #include "SimMachine.h"
@@ -18,6 +19,8 @@
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
 using LumavenTest::Call;
+using LumavenTest::kConsoleDisplayState;
+using LumavenTest::kLidSwitchStateChange;
 using LumavenTest::LogCapture;
 
 namespace {
@@ -98,7 +101,9 @@ TEST_F(OledFeature, StartupOnAnotherVendorChoosesNoSetter)
     EXPECT_NE(service->m_auxData, nullptr);
     EXPECT_EQ(service->m_setElp, nullptr);
     EXPECT_EQ(g_auxData, nullptr);
-    EXPECT_EQ(Call(*service, 9, L"{\"BValue\":true}").status, StatusInvalidArgument);
+    const auto elp = Call(*service, 9, L"{\"BValue\":true}");
+    EXPECT_EQ(elp.status, StatusInvalidArgument);
+    EXPECT_EQ(elp.response, L"{}") << "no setter, so nothing answers";
     EXPECT_EQ(Call(*service, 10).response, L"{\"result\":false}");
 }
 
@@ -137,6 +142,26 @@ TEST_F(OledFeature, ElpSettersWithoutASupportedPanelAreDeviceErrors)
         EXPECT_EQ(result.status, StatusDeviceError) << gpu;
         EXPECT_EQ(result.response, L"{}") << gpu;
     }
+}
+
+TEST_F(OledFeature, AmdPanelInTheTableForOneFlagOnlyRefusesTheOther)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    ASSERT_EQ(service->m_auxData->erase({0x416C834C, true}), 1u);
+    LumavenTest::SetOledDword(0);
+    const auto on = Call(*service, 9, L"{\"BValue\":true}");
+    EXPECT_EQ(on.status, StatusDeviceError);
+    EXPECT_EQ(on.response, L"{}");
+    EXPECT_EQ(service->m_auxData->count({0x416C834C, true}), 0u) << "the look-up adds no entry";
+    EXPECT_TRUE(LumavenTest::Amd::Calls().empty()) << "ADL is not even loaded";
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+
+    LumavenTest::SetOledDword(1);
+    const auto off = Call(*service, 9, L"{\"BValue\":false}");
+    EXPECT_EQ(off.status, StatusSuccess);
+    EXPECT_EQ(off.response, L"{\"result\":true}");
+    EXPECT_EQ(LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(), 5u);
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
 }
 
 TEST_F(OledFeature, IntelSupportQueryCountsAFailingOpstQueryAsSupported)
@@ -217,9 +242,23 @@ TEST_F(OledFeature, EventsWhileOffLeaveThePreviousStateAlone)
     auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
     LumavenTest::SetOledDword(0);
     LogCapture capture;
-    Event(*service, GUID_CONSOLE_DISPLAY_STATE, 0);
+    Event(*service, kConsoleDisplayState, 0);
     EXPECT_EQ(g_prevDisplayState, -1);
     EXPECT_EQ(capture.Texts(), std::vector<std::wstring>{L"LumavenService - OledEventCalled entered"});
+}
+
+TEST_F(OledFeature, EventsWithoutAStoredStateLeaveThePreviousStateAlone)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    ASSERT_FALSE(LumavenTest::OledDword().has_value()) << "SetUp removed the setting";
+    LogCapture capture;
+    Event(*service, kConsoleDisplayState, 0);
+    EXPECT_EQ(g_prevDisplayState, -1);
+    Event(*service, kLidSwitchStateChange, 1);
+    EXPECT_EQ(g_prevDisplayState, -1);
+    EXPECT_EQ(capture.Texts(), std::vector<std::wstring>(2, L"LumavenService - OledEventCalled entered"));
+    EXPECT_TRUE(LumavenTest::Amd::Calls().empty());
+    EXPECT_FALSE(LumavenTest::OledDword().has_value()) << "the event path writes no setting";
 }
 
 TEST_F(OledFeature, EventTransitionsFollowTheTable)
@@ -236,14 +275,14 @@ TEST_F(OledFeature, EventTransitionsFollowTheTable)
     EXPECT_EQ(capture.Count(L"LumavenService - OledEventCalled PrevDisplay ON"), 1u);
     Event(*service, unrelated, 1);
     EXPECT_EQ(g_prevDisplayState, 0) << "data 1 of another setting changes nothing";
-    Event(*service, GUID_CONSOLE_DISPLAY_STATE, 2);
+    Event(*service, kConsoleDisplayState, 2);
     EXPECT_EQ(g_prevDisplayState, 0) << "data 2 changes nothing";
     EXPECT_EQ(writes(), 0u);
-    Event(*service, GUID_LIDSWITCH_STATE_CHANGE, 1);
+    Event(*service, kLidSwitchStateChange, 1);
     EXPECT_EQ(g_prevDisplayState, 1);
     EXPECT_EQ(capture.Count(L"LumavenService - OledEventCalled PrevDisplay OFF"), 1u);
     EXPECT_EQ(writes(), 5u);
-    Event(*service, GUID_CONSOLE_DISPLAY_STATE, 1);
+    Event(*service, kConsoleDisplayState, 1);
     EXPECT_EQ(writes(), 5u) << "already on";
 }
 
@@ -251,7 +290,7 @@ TEST_F(OledFeature, FirstDisplayOnAfterStartReapplies)
 {
     auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
     LumavenTest::SetOledDword(1);
-    Event(*service, GUID_CONSOLE_DISPLAY_STATE, 1);
+    Event(*service, kConsoleDisplayState, 1);
     EXPECT_EQ(LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(), 5u);
 }
 
@@ -260,7 +299,7 @@ TEST_F(OledFeature, AmdWithoutSupportedPanelGainsAnEmptyEntryAndWritesNothing)
     auto service = Started(Profile("10ACF540", kAmdGpu, kAmdDrivers, kAmdSections));
     LumavenTest::SetOledDword(1);
     ASSERT_EQ(service->m_auxData->count({0, true}), 0u);
-    Event(*service, GUID_CONSOLE_DISPLAY_STATE, 1);
+    Event(*service, kConsoleDisplayState, 1);
     ASSERT_EQ(service->m_auxData->count({0, true}), 1u);
     EXPECT_TRUE(service->m_auxData->at({0, true}).empty());
     EXPECT_TRUE(LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").empty());

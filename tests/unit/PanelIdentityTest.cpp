@@ -7,6 +7,11 @@
 
 #include <gtest/gtest.h>
 
+#include <windows.h>
+#include <setupapi.h>
+
+#include <string>
+
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
 using LumavenTest::InstallProfile;
 using LumavenTest::MonitorsProfile;
@@ -33,6 +38,54 @@ std::string Hex(const std::vector<uint8_t>& bytes)
     }
     return hex;
 }
+
+// For as long as it lives, SetupAPI finds no setup class named "Monitor", as on a machine
+// whose class registration is damaged: the class key's name is changed and put back after.
+class MonitorClassHidden {
+public:
+    MonitorClassHidden()
+    {
+        if (RegOpenKeyExW(HKEY_LOCAL_MACHINE,
+                          L"SYSTEM\\CurrentControlSet\\Control\\Class\\{4D36E96E-E325-11CE-BFC1-08002BE10318}", 0,
+                          KEY_QUERY_VALUE | KEY_SET_VALUE, &m_key) != ERROR_SUCCESS) {
+            m_key = nullptr;
+            return;
+        }
+        wchar_t name[64] = {};
+        DWORD size = sizeof name - sizeof name[0];
+        DWORD type = 0;
+        if (RegQueryValueExW(m_key, L"Class", nullptr, &type, reinterpret_cast<BYTE*>(name), &size) == ERROR_SUCCESS &&
+            type == REG_SZ) {
+            m_name = name;
+            m_hidden = SetClass(L"HiddenMonitor");
+        }
+    }
+    ~MonitorClassHidden()
+    {
+        if (m_hidden) {
+            SetClass(m_name);
+        }
+        if (m_key != nullptr) {
+            RegCloseKey(m_key);
+        }
+    }
+    MonitorClassHidden(const MonitorClassHidden&) = delete;
+    MonitorClassHidden& operator=(const MonitorClassHidden&) = delete;
+
+    // The name the class had, or empty when it could not be hidden.
+    const std::wstring& HiddenName() const { return m_name; }
+
+private:
+    bool SetClass(const std::wstring& name) const
+    {
+        return RegSetValueExW(m_key, L"Class", 0, REG_SZ, reinterpret_cast<const BYTE*>(name.c_str()),
+                              static_cast<DWORD>((name.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
+    }
+
+    HKEY m_key = nullptr;
+    std::wstring m_name;
+    bool m_hidden = false;
+};
 
 }  // namespace
 
@@ -69,6 +122,23 @@ TEST(PanelIdentity, NoMonitorGivesIndex11AndIdentity0)
     EXPECT_TRUE(ReadMonitorEdids().empty());
     EXPECT_EQ(GetPanelIndex(), kUnsupportedPanel);
     EXPECT_EQ(GetPanelId(), 0u);
+}
+
+TEST(PanelIdentity, MonitorClassThatSetupApiCannotListGivesIndex11AndIdentity0)
+{
+    InstallProfile(MonitorsProfile({"4C837441"}));
+    ASSERT_EQ(GetPanelIndex(), 3) << "the panel as the class lists it";
+    {
+        MonitorClassHidden hidden;
+        ASSERT_EQ(hidden.HiddenName(), L"Monitor");
+        DWORD required = 99;
+        ASSERT_TRUE(SetupDiClassGuidsFromNameW(L"Monitor", nullptr, 0, &required));
+        ASSERT_EQ(required, 0u) << "SetupAPI still lists the class";
+        EXPECT_TRUE(ReadMonitorEdids().empty());
+        EXPECT_EQ(GetPanelIndex(), kUnsupportedPanel);
+        EXPECT_EQ(GetPanelId(), 0u);
+    }
+    EXPECT_EQ(GetPanelIndex(), 3) << "the class is listed again";
 }
 
 TEST(PanelIdentity, Panel4174IsIndex3)

@@ -1,5 +1,7 @@
 // The service object: factory gate, strings handed to the host, buffers, event entry.
 #include "LogCapture.h"
+#include "ServiceCall.h"
+#include "PowerSettings.h"
 #include "SimMachine.h"
 
 #include "service/LumavenService.h"
@@ -11,6 +13,7 @@
 using namespace Xelto::Spanlet::Server::Services;
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
 using LumavenTest::InstallProfile;
+using LumavenTest::kConsoleDisplayState;
 using LumavenTest::LogCapture;
 using LumavenTest::MonitorsProfile;
 
@@ -104,7 +107,7 @@ TEST(ServiceObject, PowerEventTaskLogsItsEntryLine)
     LumavenService service;
     LogCapture capture;
     POWERBROADCAST_SETTING setting{};
-    setting.PowerSetting = GUID_CONSOLE_DISPLAY_STATE;
+    setting.PowerSetting = kConsoleDisplayState;
     setting.DataLength = 4;
     service.oled_power_event_task(nullptr, &setting);
     const auto texts = capture.Texts();
@@ -123,4 +126,22 @@ TEST(ServiceObject, CreateStringRefusesTextsOverSixtyFourCharactersWithoutTrunca
     // The bounded copy rejects the text through the C runtime's parameter check.
     EXPECT_EQ(std::wstring(*holder), L"");
     EXPECT_EQ(service.ReleaseString(&holder), 0u);
+}
+
+TEST(ServiceObject, DeletingTheServiceUnloadsWhatAnInterruptedAdlWriteLeftLoaded)
+{
+    // ADL cannot count the adapters, so the ELP write stops early with the library loaded.
+    InstallProfile(R"({"monitors":[{"panel":"4C836C41"}],"gpuName":"AMD Radeon(TM) Graphics",
+        "libraries":{"dxgi.dll":"dxgi.dll","atiadlxx.dll":"atiadlxx.dll"},
+        "amd":{"adapters":[{"adapterIndex":0,"displays":[{"infoValue":3,"panel":"4C836C41"}]}]},
+        "faults":[{"function":"ADL2_Adapter_NumberOfAdapters_Get","code":-1}]})");
+    ASSERT_EQ(GetModuleHandleW(L"atiadlxx.dll"), nullptr);
+    XeltoService* service = XeltoCreateService();
+    ASSERT_NE(service, nullptr);
+    service->startup_task();
+    const auto elp = LumavenTest::Call(*service, 9, L"{\"BValue\":true}");
+    EXPECT_EQ(elp.response, L"{\"result\":false}");
+    EXPECT_NE(GetModuleHandleW(L"atiadlxx.dll"), nullptr) << "the interrupted write keeps ADL";
+    delete service;
+    EXPECT_EQ(GetModuleHandleW(L"atiadlxx.dll"), nullptr) << "the service gives ADL back when it goes";
 }

@@ -192,11 +192,22 @@ TEST_F(VaribrightCommands, BeforeAnyAmdOledCommandBothAnswerFalse)
 
 TEST_F(VaribrightCommands, Command13WithoutAdlxLibraryAnswersFalse)
 {
+    // The same steps with the library answer true; ADLX then goes away, as it does when its
+    // display services fail, and the library with it.
+    Prepare(true, false);
+    EXPECT_EQ(Execute(m_service, 13, L"{}").response, L"{\"result\":true}");
+    g_ADLXHelp.Terminate();
+
     InstallProfile(Laptop(true, false, "{}"));
     InitializeAdlxDisplay();
+    // Not the state before any initialisation: the earlier display services are still held,
+    // so only the missing library can make the answer false.
+    ASSERT_NE(adlxDisplayServices, nullptr);
     const Reply reply = Execute(m_service, 13, L"{}");
     EXPECT_EQ(reply.status, StatusSuccess);
     EXPECT_EQ(reply.response, L"{\"result\":false}");
+    EXPECT_FALSE(g_ADLXHelp.IsLoaded());
+    EXPECT_TRUE(Calls().empty());
 }
 
 TEST_F(VaribrightCommands, HandlersCheckTheirDocuments)

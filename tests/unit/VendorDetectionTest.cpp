@@ -102,6 +102,41 @@ TEST(VendorFromControllerNames, WordsAreCaseSensitiveAndOtherNamesCountForNothin
     EXPECT_EQ(VendorFromControllerNames({}), 0);
 }
 
+// ---- From the WMI result to the list the matching reads. Wine reports one controller, so a
+// machine with two is only seen here.
+
+namespace {
+
+std::vector<std::wstring> NamesOf(const wchar_t* wmiResult)
+{
+    Document document;
+    document.Parse(wmiResult);
+    EXPECT_FALSE(document.HasParseError());
+    return ControllerNames(document[L"result"]);
+}
+
+}  // namespace
+
+TEST(ControllerNames, EveryNameOfTheResultArrayInOrder)
+{
+    EXPECT_EQ(NamesOf(L"{\"result\":[\"AMD Radeon(TM) Graphics\",\"Intel(R) UHD Graphics\"]}"),
+              (std::vector<std::wstring>{L"AMD Radeon(TM) Graphics", L"Intel(R) UHD Graphics"}));
+    EXPECT_EQ(NamesOf(L"{\"result\":[\"NVIDIA GeForce RTX 3050\",\"Radeon Pro\"]}"),
+              (std::vector<std::wstring>{L"NVIDIA GeForce RTX 3050", L"Radeon Pro"}));
+    EXPECT_EQ(NamesOf(L"{\"result\":[7,\"Intel(R) UHD Graphics\",null]}"),
+              (std::vector<std::wstring>{L"", L"Intel(R) UHD Graphics", L""}));
+    EXPECT_TRUE(NamesOf(L"{\"result\":[]}").empty());
+}
+
+TEST(ControllerNames, TwoControllersGiveTheVendorWhateverTheirOrder)
+{
+    const auto vendor = [](const wchar_t* wmiResult) { return VendorFromControllerNames(NamesOf(wmiResult)); };
+    EXPECT_EQ(vendor(L"{\"result\":[\"AMD Radeon(TM) Graphics\",\"Intel(R) UHD Graphics\"]}"), kVendorIntel);
+    EXPECT_EQ(vendor(L"{\"result\":[\"Intel(R) UHD Graphics\",\"AMD Radeon(TM) Graphics\"]}"), kVendorIntel);
+    EXPECT_EQ(vendor(L"{\"result\":[\"NVIDIA GeForce RTX 3050\",\"Radeon Pro\"]}"), kVendorAmd);
+    EXPECT_EQ(vendor(L"{\"result\":[\"Microsoft Basic Display Adapter\",\"NVIDIA GeForce RTX 3050\"]}"), 0);
+}
+
 // ---- End to end: the simulated GPU, Wine's WMI, the helper and the matching.
 
 struct NamedGpu {

@@ -19,6 +19,8 @@ public:
     Transaction& Int(const char* name, int64_t value) { return Add(name, rapidjson::Value(value)); }
     Transaction& Bool(const char* name, bool value) { return Add(name, rapidjson::Value(value)); }
     Transaction& Text(const char* name, const std::string& value);
+    // Says why the driver does not accept the call: the "refused" member.
+    Transaction& Refused(const std::string& reason) { return Text("refused", reason); }
 
     // Records the result and writes the record; hands the result back.
     template <class Result>

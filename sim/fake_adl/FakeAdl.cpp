@@ -1,7 +1,10 @@
 // The simulated AMD Display Library (atiadlxx.dll, or atiadlxy.dll when installed under that
 // name): the ADL2 entry points the service uses, answering from the installed profile's
 // "amd" section. The native AUX channel writes the register file of the display it is
-// given, and every call that matters goes to the transaction log. Variants leave chosen
+// given, and every call that matters goes to the transaction log. Each entry point checks
+// what it is handed as a careful driver does (record sizes, reserved fields, flags, buffer
+// sizes against the adapter count, null pointers, contexts it did not create) and refuses
+// with ADL's own code, saying why in the log's "refused" member. Variants leave chosen
 // exports out through their module-definition files.
 //
 // Profile section (also the driver's state):
@@ -12,11 +15,10 @@
 //                                       "panel": "4C836C41" | "edid": "00FFFF...",
 //                                       "dpcd": {"0x402E": 192, ...}}]}],
 //           "loads": N, "unloads": N}
+#include "AdlRecords.h"
 #include "Installer.h"
 #include "SimState.h"
 #include "Transaction.h"
-
-#include "amd/AdlTypes.h"
 
 #include <rapidjson/document.h>
 
@@ -24,31 +26,39 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdint>
 #include <cstring>
+#include <iterator>
+#include <set>
 #include <string>
 #include <vector>
 
-using namespace Adl;
+using namespace LumavenSim::AdlDriver;
 
 namespace {
 
 HMODULE g_self = nullptr;
 
-constexpr unsigned kContextMagic = 0x41444C32;  // "ADL2"
-// The one command of the native AUX channel that writes; any other reads.
+// The native AUX channel's commands this driver implements.
 constexpr int kAuxCommandWrite = 1;
+constexpr int kAuxCommandRead = 2;
 constexpr int kAmdVendorId = 0x1002;
 
 struct FakeContext {
-    unsigned magic = kContextMagic;
-    ADL_MAIN_MALLOC_CALLBACK allocate = nullptr;
+    AllocateCallback allocate = nullptr;
     int enumConnectedAdapters = 0;
 };
 
-FakeContext* AsContext(ADL_CONTEXT_HANDLE handle)
+// The contexts this library created and has not destroyed: anything else is not looked into.
+std::set<Context>& LiveContexts()
 {
-    auto* context = static_cast<FakeContext*>(handle);
-    return context != nullptr && context->magic == kContextMagic ? context : nullptr;
+    static std::set<Context> live;
+    return live;
+}
+
+FakeContext* AsContext(Context handle)
+{
+    return LiveContexts().count(handle) != 0 ? static_cast<FakeContext*>(handle) : nullptr;
 }
 
 std::string LibraryName()
@@ -68,6 +78,14 @@ std::string LibraryName()
 class Record : public LumavenSim::Transaction {
 public:
     explicit Record(const char* call) : Transaction(LibraryName(), call) {}
+
+    // Records why the call is refused and answers `code`.
+    int Refuse(int code, const std::string& reason) { return Refused(reason).Done(code); }
+    // The refusal of a context this library did not create, or of none.
+    int RefuseContext(Context handle)
+    {
+        return Refuse(kNotInitialized, handle == nullptr ? "no context" : "a context this library did not create");
+    }
 };
 
 rapidjson::Value& AmdSection(rapidjson::Document& state)
@@ -135,10 +153,10 @@ std::vector<uint8_t> DisplayEdid(const rapidjson::Value& display)
     return LumavenSim::MakeEdid(LumavenSim::HexToBytes(panel));
 }
 
-// The code a fault of the profile makes `function` answer on this call, or ADL_OK.
+// The code a fault of the profile makes `function` answer on this call, or kOk.
 int InjectedFault(const char* function)
 {
-    int result = ADL_OK;
+    int result = kOk;
     LumavenSim::WithState([&](rapidjson::Document& state) {
         if (const auto fault = LumavenSim::TakeFault(state, function)) {
             result = static_cast<int>(*fault);
@@ -168,8 +186,7 @@ rapidjson::Value& RegisterFile(rapidjson::Document& state, rapidjson::Value& dis
 
 extern "C" {
 
-int ADL2_Main_Control_Create(ADL_MAIN_MALLOC_CALLBACK callback, int iEnumConnectedAdapters,
-                             ADL_CONTEXT_HANDLE* context)
+int ADL2_Main_Control_Create(AllocateCallback callback, int iEnumConnectedAdapters, Context* context)
 {
     Record record("ADL2_Main_Control_Create");
     record.Int("enumConnectedAdapters", iEnumConnectedAdapters);
@@ -177,13 +194,19 @@ int ADL2_Main_Control_Create(ADL_MAIN_MALLOC_CALLBACK callback, int iEnumConnect
         return record.Done(fault);
     }
     if (callback == nullptr || context == nullptr) {
-        return record.Done(ADL_ERR_NULL_POINTER);
+        return record.Refuse(kNullPointer, callback == nullptr ? "no allocation callback" : "no context to fill");
     }
-    *context = new FakeContext{kContextMagic, callback, iEnumConnectedAdapters};
-    return record.Done(ADL_OK);
+    // A flag: 1 lists only the connected adapters, 0 all of them.
+    if (iEnumConnectedAdapters != 0 && iEnumConnectedAdapters != 1) {
+        return record.Refuse(kInvalidParameter,
+                             "iEnumConnectedAdapters " + std::to_string(iEnumConnectedAdapters) + " is neither 0 nor 1");
+    }
+    *context = new FakeContext{callback, iEnumConnectedAdapters};
+    LiveContexts().insert(*context);
+    return record.Done(kOk);
 }
 
-int ADL2_Main_Control_Destroy(ADL_CONTEXT_HANDLE handle)
+int ADL2_Main_Control_Destroy(Context handle)
 {
     Record record("ADL2_Main_Control_Destroy");
     if (const int fault = InjectedFault("ADL2_Main_Control_Destroy")) {
@@ -191,58 +214,74 @@ int ADL2_Main_Control_Destroy(ADL_CONTEXT_HANDLE handle)
     }
     FakeContext* context = AsContext(handle);
     if (context == nullptr) {
-        return record.Done(ADL_ERR_NOT_INIT);
+        return record.RefuseContext(handle);
     }
-    context->magic = 0;
+    LiveContexts().erase(handle);
     delete context;
-    return record.Done(ADL_OK);
+    return record.Done(kOk);
 }
 
-int ADL2_Adapter_NumberOfAdapters_Get(ADL_CONTEXT_HANDLE handle, int* lpNumAdapters)
+// How many adapters this driver reports: the profile's "adapterCount", else its adapters.
+int ReportedAdapterCount(rapidjson::Document& state)
+{
+    return IntMember(AmdSection(state), "adapterCount", static_cast<int>(Adapters(state).size()));
+}
+
+int ADL2_Adapter_NumberOfAdapters_Get(Context handle, int* lpNumAdapters)
 {
     Record record("ADL2_Adapter_NumberOfAdapters_Get");
     if (AsContext(handle) == nullptr) {
-        return record.Done(ADL_ERR_NOT_INIT);
+        return record.RefuseContext(handle);
     }
     if (lpNumAdapters == nullptr) {
-        return record.Done(ADL_ERR_NULL_POINTER);
+        return record.Refuse(kNullPointer, "no count to fill");
     }
-    int result = ADL_OK;
+    int result = kOk;
     int count = 0;
     LumavenSim::WithState([&](rapidjson::Document& state) {
         if (const auto fault = LumavenSim::TakeFault(state, "ADL2_Adapter_NumberOfAdapters_Get")) {
             result = static_cast<int>(*fault);
             return true;
         }
-        count = IntMember(AmdSection(state), "adapterCount", static_cast<int>(Adapters(state).size()));
+        count = ReportedAdapterCount(state);
         return true;
     });
-    if (result == ADL_OK) {
+    if (result == kOk) {
         *lpNumAdapters = count;
         record.Int("count", count);
     }
     return record.Done(result);
 }
 
-int ADL2_Adapter_AdapterInfo_Get(ADL_CONTEXT_HANDLE handle, AdapterInfo* lpInfo, int iInputSize)
+int ADL2_Adapter_AdapterInfo_Get(Context handle, AdapterInfo* lpInfo, int iInputSize)
 {
     Record record("ADL2_Adapter_AdapterInfo_Get");
     record.Int("inputSize", iInputSize);
     if (AsContext(handle) == nullptr) {
-        return record.Done(ADL_ERR_NOT_INIT);
+        return record.RefuseContext(handle);
     }
     if (lpInfo == nullptr) {
-        return record.Done(ADL_ERR_NULL_POINTER);
+        return record.Refuse(kNullPointer, "no adapter buffer");
     }
-    int result = ADL_OK;
+    int result = kOk;
     int filled = 0;
+    std::string refused;
     LumavenSim::WithState([&](rapidjson::Document& state) {
         if (const auto fault = LumavenSim::TakeFault(state, "ADL2_Adapter_AdapterInfo_Get")) {
             result = static_cast<int>(*fault);
             return true;
         }
+        // The buffer must hold a record for every adapter reported; nothing is written into
+        // one that is too small.
+        const int64_t needed = static_cast<int64_t>(ReportedAdapterCount(state)) * static_cast<int64_t>(sizeof(AdapterInfo));
+        if (iInputSize <= 0 || iInputSize < needed) {
+            result = kInvalidParameter;
+            refused = "iInputSize " + std::to_string(iInputSize) + " is below the " + std::to_string(needed) +
+                      " bytes of the adapters reported";
+            return true;
+        }
         const auto adapters = Adapters(state);
-        const size_t room = iInputSize > 0 ? static_cast<size_t>(iInputSize) / sizeof(AdapterInfo) : 0;
+        const size_t room = static_cast<size_t>(iInputSize) / sizeof(AdapterInfo);
         for (size_t i = 0; i < adapters.size() && i < room; ++i) {
             AdapterInfo& info = lpInfo[i];
             std::memset(&info, 0, sizeof info);
@@ -261,29 +300,33 @@ int ADL2_Adapter_AdapterInfo_Get(ADL_CONTEXT_HANDLE handle, AdapterInfo* lpInfo,
             info.iOSDisplayIndex = static_cast<int>(i);
             ++filled;
         }
-        if (room < adapters.size()) {
-            result = ADL_ERR_INVALID_PARAM;
-        }
         return true;
     });
     record.Int("filled", filled);
+    if (!refused.empty()) {
+        return record.Refuse(result, refused);
+    }
     return record.Done(result);
 }
 
-int ADL2_Display_DisplayInfo_Get(ADL_CONTEXT_HANDLE handle, int iAdapterIndex, int* lpNumDisplays,
-                                 ADLDisplayInfo** lppInfo, int iForceDetect)
+int ADL2_Display_DisplayInfo_Get(Context handle, int iAdapterIndex, int* lpNumDisplays, DisplayInfo** lppInfo,
+                                 int iForceDetect)
 {
     Record record("ADL2_Display_DisplayInfo_Get");
     record.Int("adapter", iAdapterIndex).Int("forceDetect", iForceDetect);
     FakeContext* context = AsContext(handle);
     if (context == nullptr) {
-        return record.Done(ADL_ERR_NOT_INIT);
+        return record.RefuseContext(handle);
     }
     if (lpNumDisplays == nullptr || lppInfo == nullptr) {
-        return record.Done(ADL_ERR_NULL_POINTER);
+        return record.Refuse(kNullPointer, lpNumDisplays == nullptr ? "no count to fill" : "no list pointer to fill");
     }
-    int result = ADL_OK;
-    std::vector<ADLDisplayInfo> infos;
+    if (iForceDetect != 0 && iForceDetect != 1) {
+        return record.Refuse(kInvalidParameter, "iForceDetect " + std::to_string(iForceDetect) + " is neither 0 nor 1");
+    }
+    int result = kOk;
+    std::string refused;
+    std::vector<DisplayInfo> infos;
     LumavenSim::WithState([&](rapidjson::Document& state) {
         if (const auto fault = LumavenSim::TakeFault(state, "ADL2_Display_DisplayInfo_Get")) {
             result = static_cast<int>(*fault);
@@ -291,13 +334,14 @@ int ADL2_Display_DisplayInfo_Get(ADL_CONTEXT_HANDLE handle, int iAdapterIndex, i
         }
         rapidjson::Value* adapter = FindAdapterByIndex(state, iAdapterIndex);
         if (adapter == nullptr) {
-            result = ADL_ERR_INVALID_PARAM;
+            result = kInvalidParameter;
+            refused = "no adapter has iAdapterIndex " + std::to_string(iAdapterIndex);
             return true;
         }
         const auto displays = Displays(*adapter);
         for (size_t j = 0; j < displays.size(); ++j) {
             const rapidjson::Value& display = *displays[j];
-            ADLDisplayInfo info;
+            DisplayInfo info;
             std::memset(&info, 0, sizeof info);
             info.displayID.iDisplayLogicalIndex = IntMember(display, "displayIndex", static_cast<int>(j));
             info.displayID.iDisplayPhysicalIndex = info.displayID.iDisplayLogicalIndex;
@@ -306,46 +350,64 @@ int ADL2_Display_DisplayInfo_Get(ADL_CONTEXT_HANDLE handle, int iAdapterIndex, i
             info.iDisplayControllerIndex = static_cast<int>(j);
             std::snprintf(info.strDisplayName, sizeof info.strDisplayName, "Simulated display %zu", j);
             std::snprintf(info.strDisplayManufacturerName, sizeof info.strDisplayManufacturerName, "SDC");
-            info.iDisplayInfoMask = ADL_DISPLAY_DISPLAYINFO_DISPLAYCONNECTED | ADL_DISPLAY_DISPLAYINFO_DISPLAYMAPPED;
+            info.iDisplayInfoMask = kDisplayConnected | kDisplayMapped;
             info.iDisplayInfoValue = IntMember(display, "infoValue", info.iDisplayInfoMask);
             infos.push_back(info);
         }
         return true;
     });
-    if (result != ADL_OK) {
+    if (!refused.empty()) {
+        return record.Refuse(result, refused);
+    }
+    if (result != kOk) {
         return record.Done(result);
     }
     // Like ADL: the list comes from the caller's allocation callback and the caller frees it.
-    ADLDisplayInfo* list = nullptr;
+    DisplayInfo* list = nullptr;
     if (!infos.empty()) {
-        list = static_cast<ADLDisplayInfo*>(context->allocate(static_cast<int>(infos.size() * sizeof(ADLDisplayInfo))));
+        list = static_cast<DisplayInfo*>(context->allocate(static_cast<int>(infos.size() * sizeof(DisplayInfo))));
         if (list == nullptr) {
-            return record.Done(ADL_ERR);
+            return record.Refuse(kError, "the allocation callback gave nothing");
         }
-        std::memcpy(list, infos.data(), infos.size() * sizeof(ADLDisplayInfo));
+        std::memcpy(list, infos.data(), infos.size() * sizeof(DisplayInfo));
     }
     *lpNumDisplays = static_cast<int>(infos.size());
     *lppInfo = list;
     record.Int("count", static_cast<int64_t>(infos.size()));
-    return record.Done(ADL_OK);
+    return record.Done(kOk);
 }
 
 // The adapter and display are taken as positions in the profile's lists: that is what the
 // service passes here.
-int ADL2_Display_EdidData_Get(ADL_CONTEXT_HANDLE handle, int iAdapterIndex, int iDisplayIndex,
-                              ADLDisplayEDIDData* lpEDIDData)
+int ADL2_Display_EdidData_Get(Context handle, int iAdapterIndex, int iDisplayIndex, EdidData* lpEDIDData)
 {
     Record record("ADL2_Display_EdidData_Get");
     record.Int("adapter", iAdapterIndex).Int("display", iDisplayIndex);
     if (AsContext(handle) == nullptr) {
-        return record.Done(ADL_ERR_NOT_INIT);
+        return record.RefuseContext(handle);
     }
     if (lpEDIDData == nullptr) {
-        return record.Done(ADL_ERR_NULL_POINTER);
+        return record.Refuse(kNullPointer, "no EDID record");
     }
-    record.Int("size", lpEDIDData->iSize);
-    int result = ADL_OK;
-    std::vector<uint8_t> edid;
+    EdidData edid{};
+    std::memcpy(&edid.iSize, lpEDIDData, sizeof edid.iSize);
+    record.Int("size", edid.iSize);
+    if (edid.iSize != static_cast<int>(sizeof edid)) {
+        return record.Refuse(kInvalidParameter,
+                             "iSize " + std::to_string(edid.iSize) + ", expected " + std::to_string(sizeof edid));
+    }
+    std::memcpy(&edid, lpEDIDData, sizeof edid);
+    if (edid.iFlag != 0) {
+        return record.Refuse(kInvalidParameter, "iFlag " + std::to_string(edid.iFlag) + " is not zero");
+    }
+    for (size_t i = 0; i < std::size(edid.iReserved); ++i) {
+        if (edid.iReserved[i] != 0) {
+            return record.Refuse(kInvalidParameter, "iReserved[" + std::to_string(i) + "] is not zero");
+        }
+    }
+    int result = kOk;
+    std::string refused;
+    std::vector<uint8_t> bytes;
     LumavenSim::WithState([&](rapidjson::Document& state) {
         if (const auto fault = LumavenSim::TakeFault(state, "ADL2_Display_EdidData_Get")) {
             result = static_cast<int>(*fault);
@@ -353,83 +415,134 @@ int ADL2_Display_EdidData_Get(ADL_CONTEXT_HANDLE handle, int iAdapterIndex, int 
         }
         const auto adapters = Adapters(state);
         if (iAdapterIndex < 0 || static_cast<size_t>(iAdapterIndex) >= adapters.size()) {
-            result = ADL_ERR_INVALID_PARAM;
+            result = kInvalidParameter;
+            refused = "no adapter " + std::to_string(iAdapterIndex);
             return true;
         }
         const auto displays = Displays(*adapters[static_cast<size_t>(iAdapterIndex)]);
         if (iDisplayIndex < 0 || static_cast<size_t>(iDisplayIndex) >= displays.size()) {
-            result = ADL_ERR_INVALID_PARAM;
+            result = kInvalidParameter;
+            refused = "no display " + std::to_string(iDisplayIndex) + " on adapter " + std::to_string(iAdapterIndex);
             return true;
         }
-        edid = DisplayEdid(*displays[static_cast<size_t>(iDisplayIndex)]);
+        bytes = DisplayEdid(*displays[static_cast<size_t>(iDisplayIndex)]);
         return true;
     });
-    if (result != ADL_OK) {
+    if (!refused.empty()) {
+        return record.Refuse(result, refused);
+    }
+    if (result != kOk) {
         return record.Done(result);
     }
-    const size_t block = static_cast<size_t>(std::max(lpEDIDData->iBlockIndex, 0)) * 128;
-    const size_t available = block < edid.size() ? std::min<size_t>(edid.size() - block, 128) : 0;
-    std::memset(lpEDIDData->cEDIDData, 0, sizeof lpEDIDData->cEDIDData);
-    std::memcpy(lpEDIDData->cEDIDData, edid.data() + block, available);
-    lpEDIDData->iEDIDSize = static_cast<int>(available);
-    if (available >= 12) {
-        record.Text("panel", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(lpEDIDData->cEDIDData) + 8, 4));
+    // One 128-byte block per call; a block past the EDID's end does not exist.
+    const size_t block = static_cast<size_t>(edid.iBlockIndex) * 128;
+    if (edid.iBlockIndex < 0 || block >= bytes.size()) {
+        return record.Refuse(kInvalidParameter, "iBlockIndex " + std::to_string(edid.iBlockIndex) + " is not a block of the EDID");
     }
-    return record.Done(ADL_OK);
+    const size_t available = std::min<size_t>(bytes.size() - block, 128);
+    std::memset(edid.cEDIDData, 0, sizeof edid.cEDIDData);
+    std::memcpy(edid.cEDIDData, bytes.data() + block, available);
+    edid.iEDIDSize = static_cast<int>(available);
+    std::memcpy(lpEDIDData, &edid, sizeof edid);
+    if (available >= 12) {
+        record.Text("panel", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(edid.cEDIDData) + 8, 4));
+    }
+    return record.Done(kOk);
 }
 
-// Writes (command 1) or reads the register file of the display with this adapter index and
-// display index, and logs the whole record as it arrived.
-int ADL2_Display_NativeAUXChannel_Access(ADL_CONTEXT_HANDLE handle, int iAdapterIndex, int iDisplayIndex,
-                                         ADLDisplayNativeAUXChannelData* lpData)
+// What an AUX record of the right size must hold before it reaches the panel; empty when it
+// is fine.
+std::string CheckAux(const AuxChannelData& data)
+{
+    if (data.iCommand != kAuxCommandWrite && data.iCommand != kAuxCommandRead) {
+        return "iCommand " + std::to_string(data.iCommand) + " is neither write (1) nor read (2)";
+    }
+    if (data.iDataSize <= 0 || data.iDataSize > kMaxAuxData) {
+        return "iDataSize " + std::to_string(data.iDataSize) + " is not 1 to " + std::to_string(kMaxAuxData);
+    }
+    if (data.iAddress < 0 || data.iAddress > kDpcdSpace - data.iDataSize) {
+        return "iAddress " + std::to_string(data.iAddress) + " with " + std::to_string(data.iDataSize) +
+               " bytes leaves the DPCD space";
+    }
+    if (data.iCommand == kAuxCommandWrite) {
+        for (int i = data.iDataSize; i < kMaxAuxData; ++i) {
+            if (data.cData[i] != 0) {
+                return "cData[" + std::to_string(i) + "] beyond iDataSize is not zero";
+            }
+        }
+    }
+    return {};
+}
+
+// Writes (command 1) or reads (command 2) the register file of the display with this adapter
+// index and display index, and logs the whole record as it arrived.
+int ADL2_Display_NativeAUXChannel_Access(Context handle, int iAdapterIndex, int iDisplayIndex, AuxChannelData* lpData)
 {
     Record record("ADL2_Display_NativeAUXChannel_Access");
     record.Int("adapter", iAdapterIndex).Int("display", iDisplayIndex);
     if (AsContext(handle) == nullptr) {
-        return record.Done(ADL_ERR_NOT_INIT);
+        return record.RefuseContext(handle);
     }
     if (lpData == nullptr) {
-        return record.Done(ADL_ERR_NULL_POINTER);
+        return record.Refuse(kNullPointer, "no AUX record");
     }
-    const size_t count = static_cast<size_t>(std::clamp(lpData->iDataSize, 0, ADL_MAX_NATIVEAUX_DATA_SIZE));
-    record.Int("size", lpData->iSize)
-        .Int("auxStatus", lpData->iAuxStatus)
-        .Int("command", lpData->iCommand)
-        .Int("address", lpData->iAddress)
-        .Int("dataSize", lpData->iDataSize)
-        .Text("data", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(lpData->cData), sizeof lpData->cData))
-        .Text("bytes", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(lpData->cData), count));
-    int result = ADL_OK;
+    // Nothing past iSize is read from a record of another size.
+    AuxChannelData data{};
+    std::memcpy(&data.iSize, lpData, sizeof data.iSize);
+    if (data.iSize != static_cast<int>(sizeof data)) {
+        record.Int("size", data.iSize);
+        return record.Refuse(kInvalidParameter,
+                             "iSize " + std::to_string(data.iSize) + ", expected " + std::to_string(sizeof data));
+    }
+    std::memcpy(&data, lpData, sizeof data);
+    const size_t count = static_cast<size_t>(std::clamp(data.iDataSize, 0, kMaxAuxData));
+    record.Int("size", data.iSize)
+        .Int("auxStatus", data.iAuxStatus)
+        .Int("command", data.iCommand)
+        .Int("address", data.iAddress)
+        .Int("dataSize", data.iDataSize)
+        .Text("data", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(data.cData), sizeof data.cData))
+        .Text("bytes", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(data.cData), count));
+    int result = kOk;
+    std::string refused;
     LumavenSim::WithState([&](rapidjson::Document& state) {
         if (const auto fault = LumavenSim::TakeFault(state, "ADL2_Display_NativeAUXChannel_Access")) {
             result = static_cast<int>(*fault);
             return true;
         }
+        refused = CheckAux(data);
         rapidjson::Value* adapter = FindAdapterByIndex(state, iAdapterIndex);
         rapidjson::Value* display = adapter != nullptr ? FindDisplayByIndex(*adapter, iDisplayIndex) : nullptr;
-        if (display == nullptr || lpData->iSize != static_cast<int>(sizeof *lpData)) {
-            result = ADL_ERR_INVALID_PARAM;
+        if (refused.empty() && display == nullptr) {
+            refused = "no display " + std::to_string(iDisplayIndex) + " on adapter " + std::to_string(iAdapterIndex);
+        }
+        if (!refused.empty()) {
+            result = kInvalidParameter;
             return true;
         }
         rapidjson::Value& registers = RegisterFile(state, *display);
         for (size_t i = 0; i < count; ++i) {
-            const std::string name = RegisterName(static_cast<uint32_t>(lpData->iAddress) + static_cast<uint32_t>(i));
-            auto& data = reinterpret_cast<uint8_t(&)[ADL_MAX_NATIVEAUX_DATA_SIZE]>(lpData->cData);
-            if (lpData->iCommand == kAuxCommandWrite) {
+            const std::string name = RegisterName(static_cast<uint32_t>(data.iAddress) + static_cast<uint32_t>(i));
+            auto& bytes = reinterpret_cast<uint8_t(&)[kMaxAuxData]>(data.cData);
+            if (data.iCommand == kAuxCommandWrite) {
                 registers.RemoveMember(name.c_str());
-                registers.AddMember(rapidjson::Value(name.c_str(), state.GetAllocator()), rapidjson::Value(data[i]),
+                registers.AddMember(rapidjson::Value(name.c_str(), state.GetAllocator()), rapidjson::Value(bytes[i]),
                                     state.GetAllocator());
             } else {
-                data[i] = registers.HasMember(name.c_str()) && registers[name.c_str()].IsUint()
-                              ? static_cast<uint8_t>(registers[name.c_str()].GetUint())
-                              : 0;
+                bytes[i] = registers.HasMember(name.c_str()) && registers[name.c_str()].IsUint()
+                               ? static_cast<uint8_t>(registers[name.c_str()].GetUint())
+                               : 0;
             }
         }
-        lpData->iAuxStatus = ADL_AUX_STATUS_SUCCESSFUL;
+        data.iAuxStatus = kAuxStatusSuccessful;
         return true;
     });
-    if (result == ADL_OK) {
-        record.Int("auxStatusOut", lpData->iAuxStatus);
+    if (!refused.empty()) {
+        return record.Refuse(result, refused);
+    }
+    if (result == kOk) {
+        std::memcpy(lpData, &data, sizeof data);
+        record.Int("auxStatusOut", data.iAuxStatus);
     }
     return record.Done(result);
 }

@@ -15,27 +15,28 @@
 #include "SimState.h"
 #include "Transaction.h"
 
-#include "amd/AdlxTypes.h"
+#include "AdlxInterfaces.h"
 
 #include <rapidjson/document.h>
 
 #include <windows.h>
 
 #include <cstdio>
+#include <deque>
 #include <functional>
 #include <set>
 #include <string>
 #include <vector>
 
-using namespace adlx;
+using namespace LumavenSim::AdlxDriver;
 
 namespace {
 
-// The version this fake reports (1.4.0.110); it accepts any 1.x header version.
-constexpr adlx_uint64 kFakeFullVersion = 0x000100040000006EULL;
+// The version this fake reports (1.4.0.110); it accepts a 1.x header version up to its own.
+constexpr uint64_t kFakeFullVersion = 0x000100040000006EULL;
 constexpr char kFakeVersion[] = "1.4.0.110";
 
-std::string VersionHex(adlx_uint64 version)
+std::string VersionHex(uint64_t version)
 {
     char text[24];
     std::snprintf(text, sizeof text, "0x%016llX", static_cast<unsigned long long>(version));
@@ -70,12 +71,12 @@ bool BoolMember(const rapidjson::Value& object, const char* name)
 
 // Runs `use` on the state under the sim lock; a fault injected into `function` is answered
 // instead. The state is written back.
-ADLX_RESULT WithFaultableState(const char* function, const std::function<ADLX_RESULT(rapidjson::Document&)>& use)
+Result WithFaultableState(const char* function, const std::function<Result(rapidjson::Document&)>& use)
 {
-    ADLX_RESULT result = ADLX_OK;
+    Result result = kOk;
     LumavenSim::WithState([&](rapidjson::Document& state) {
         if (const auto fault = LumavenSim::TakeFault(state, function)) {
-            result = static_cast<ADLX_RESULT>(*fault);
+            result = static_cast<Result>(*fault);
         } else {
             result = use(state);
         }
@@ -84,120 +85,201 @@ ADLX_RESULT WithFaultableState(const char* function, const std::function<ADLX_RE
     return result;
 }
 
-// Set while ADLXTerminate destroys the objects left over.
-bool g_terminating = false;
-
-// Every live object, so that ADLXTerminate can destroy what the caller did not release.
+// Every object of this ADLX: the live ones, so that ADLXTerminate can destroy what the caller
+// did not release, and the last ones released. A released object is kept a while instead of
+// being freed at once, so that a caller who uses it again is refused (ADLX_INVALID_OBJECT,
+// "refused" in the log) instead of running into freed memory.
 class Tracked {
 public:
     Tracked() { Live().insert(this); }
-    virtual ~Tracked() { Live().erase(this); }
+    virtual ~Tracked() = default;
     Tracked(const Tracked&) = delete;
     Tracked& operator=(const Tracked&) = delete;
+
     static std::set<Tracked*>& Live()
     {
         static std::set<Tracked*> live;
         return live;
     }
+    static std::deque<Tracked*>& Released()
+    {
+        static std::deque<Tracked*> released;
+        return released;
+    }
+    // Destroys every object, live or released; answers how many were still live.
+    static size_t DestroyAll()
+    {
+        const size_t live = Live().size();
+        for (Tracked* object : Live()) {
+            delete object;
+        }
+        for (Tracked* object : Released()) {
+            delete object;
+        }
+        Live().clear();
+        Released().clear();
+        return live;
+    }
+
+protected:
+    // What the object lets go of when its last reference goes.
+    virtual void OnLastRelease() {}
+    void Retire()
+    {
+        OnLastRelease();
+        Live().erase(this);
+        Released().push_back(this);
+        if (Released().size() > kKeptReleased) {
+            delete Released().front();
+            Released().pop_front();
+        }
+    }
+
+private:
+    static constexpr size_t kKeptReleased = 64;
 };
 
-template <class Interface>
-class RefCounted : public Interface, public Tracked {
+// The record of a call this ADLX refuses, with its reason; answers `result`.
+Result Refuse(const char* call, Result result, const std::string& reason)
+{
+    Record record(call);
+    return record.Refused(reason).Done(result);
+}
+
+template <class Base>
+class RefCounted : public Base, public Tracked {
 public:
-    adlx_long ADLX_STD_CALL Acquire() override { return ++m_refs; }
-    adlx_long ADLX_STD_CALL Release() override
+    long __stdcall Acquire() override
     {
-        const adlx_long refs = --m_refs;
+        if (IsReleased()) {
+            RefuseReleased("Acquire");
+            return 0;
+        }
+        return ++m_refs;
+    }
+    long __stdcall Release() override
+    {
         Record record("Release");
-        record.Text("interface", InterfaceName()).Int("display", DisplayNumber()).Int("refs", refs).Write();
+        record.Text("interface", InterfaceName()).Int("display", DisplayNumber());
+        if (IsReleased()) {
+            record.Refused(std::string("a released ") + InterfaceName()).Write();
+            return 0;
+        }
+        const long refs = --m_refs;
+        record.Int("refs", refs).Write();
         if (refs == 0) {
-            delete this;
+            Retire();
         }
         return refs;
     }
-    ADLX_RESULT ADLX_STD_CALL QueryInterface(const wchar_t* interfaceId, void** ppInterface) override
+    Result __stdcall QueryInterface(const wchar_t* interfaceId, void** ppInterface) override
     {
+        if (IsReleased()) {
+            return RefuseReleased("QueryInterface");
+        }
         if (interfaceId == nullptr || ppInterface == nullptr) {
-            return ADLX_INVALID_ARGS;
+            return Refuse("QueryInterface", kInvalidArgs, interfaceId == nullptr ? "no interface id" : "no pointer to fill");
         }
         const std::string id(interfaceId, interfaceId + wcslen(interfaceId));
         if (id == InterfaceName() || id == "IADLXInterface") {
             Acquire();
-            *ppInterface = static_cast<Interface*>(this);
-            return ADLX_OK;
+            *ppInterface = static_cast<Base*>(this);
+            return kOk;
         }
         *ppInterface = nullptr;
-        return ADLX_UNKNOWN_INTERFACE;
+        return kUnknownInterface;
     }
 
     virtual const char* InterfaceName() const = 0;
     // The display the object belongs to; -1 for none.
     virtual int64_t DisplayNumber() const { return -1; }
 
+protected:
+    bool IsReleased() const { return m_refs <= 0; }
+    // The refusal of a call on this object after its last Release.
+    Result RefuseReleased(const char* call) const
+    {
+        return Refuse(call, kInvalidObject, std::string("a released ") + InterfaceName());
+    }
+
 private:
-    adlx_long m_refs = 1;
+    long m_refs = 1;
 };
 
-class FakeDisplay final : public RefCounted<IADLXDisplay> {
+class FakeDisplay final : public RefCounted<Display> {
 public:
     explicit FakeDisplay(size_t index) : m_index(index) {}
     const char* InterfaceName() const override { return "IADLXDisplay"; }
     int64_t DisplayNumber() const override { return static_cast<int64_t>(m_index); }
 
-    ADLX_RESULT ADLX_STD_CALL ManufacturerID(adlx_uint* manufacturerID) override
+    Result __stdcall ManufacturerID(unsigned* manufacturerID) override
     {
-        return Give(manufacturerID, 0x4C83u);
+        return Give("ManufacturerID", manufacturerID, 0x4C83u);
     }
-    ADLX_RESULT ADLX_STD_CALL DisplayType(ADLX_DISPLAY_TYPE* displayType) override
+    Result __stdcall DisplayType(int* displayType) override { return Give("DisplayType", displayType, 0); }
+    Result __stdcall ConnectorType(int* connectType) override { return Give("ConnectorType", connectType, 0); }
+    Result __stdcall Name(const char** displayName) override { return Give("Name", displayName, "Simulated panel"); }
+    Result __stdcall EDID(const char** edid) override { return Give("EDID", edid, ""); }
+    Result __stdcall NativeResolution(int* maxHResolution, int* maxVResolution) override
     {
-        return Give(displayType, ADLX_DISPLAY_TYPE{});
+        const Result width = Give("NativeResolution", maxHResolution, 2880);
+        return width != kOk ? width : Give("NativeResolution", maxVResolution, 1800);
     }
-    ADLX_RESULT ADLX_STD_CALL ConnectorType(ADLX_DISPLAY_CONNECTOR_TYPE* connectType) override
-    {
-        return Give(connectType, ADLX_DISPLAY_CONNECTOR_TYPE{});
-    }
-    ADLX_RESULT ADLX_STD_CALL Name(const char** displayName) override { return Give(displayName, "Simulated panel"); }
-    ADLX_RESULT ADLX_STD_CALL EDID(const char** edid) override { return Give(edid, ""); }
-    ADLX_RESULT ADLX_STD_CALL NativeResolution(adlx_int* maxHResolution, adlx_int* maxVResolution) override
-    {
-        if (maxHResolution == nullptr || maxVResolution == nullptr) {
-            return ADLX_INVALID_ARGS;
-        }
-        *maxHResolution = 2880;
-        *maxVResolution = 1800;
-        return ADLX_OK;
-    }
-    ADLX_RESULT ADLX_STD_CALL RefreshRate(adlx_double* refreshRate) override { return Give(refreshRate, 60.0); }
-    ADLX_RESULT ADLX_STD_CALL PixelClock(adlx_uint* pixelClock) override { return Give(pixelClock, 333000u); }
-    ADLX_RESULT ADLX_STD_CALL ScanType(ADLX_DISPLAY_SCAN_TYPE* scanType) override
-    {
-        return Give(scanType, ADLX_DISPLAY_SCAN_TYPE{});
-    }
-    ADLX_RESULT ADLX_STD_CALL GetGPU(IADLXGPU** ppGPU) override
+    Result __stdcall RefreshRate(double* refreshRate) override { return Give("RefreshRate", refreshRate, 60.0); }
+    Result __stdcall PixelClock(unsigned* pixelClock) override { return Give("PixelClock", pixelClock, 333000u); }
+    Result __stdcall ScanType(int* scanType) override { return Give("ScanType", scanType, 0); }
+    Result __stdcall GetGPU(void** ppGPU) override
     {
         if (ppGPU != nullptr) {
             *ppGPU = nullptr;
         }
-        return ADLX_NOT_SUPPORTED;
+        return kNotSupported;
     }
     // The display's position in the profile: how the display services know whose VariBright
     // is wanted.
-    ADLX_RESULT ADLX_STD_CALL UniqueId(adlx_size* uniqueId) override { return Give(uniqueId, m_index); }
+    Result __stdcall UniqueId(size_t* uniqueId) override { return Give("UniqueId", uniqueId, m_index); }
+
+    size_t Index() const { return m_index; }
+    bool Released() const { return IsReleased(); }
 
 private:
     template <class T, class V>
-    static ADLX_RESULT Give(T* out, V value)
+    Result Give(const char* call, T* out, V value)
     {
+        if (IsReleased()) {
+            return RefuseReleased(call);
+        }
         if (out == nullptr) {
-            return ADLX_INVALID_ARGS;
+            return Refuse(call, kInvalidArgs, "no value to fill");
         }
         *out = static_cast<T>(value);
-        return ADLX_OK;
+        return kOk;
     }
     size_t m_index;
 };
 
-class FakeDisplayList final : public RefCounted<IADLXDisplayList> {
+// The display object behind a display interface a caller hands back, when this ADLX made it
+// (live or released); null for anything else, which is never looked into.
+FakeDisplay* FindDisplay(const Display* display)
+{
+    const auto matches = [display](Tracked* object) {
+        const auto* fake = dynamic_cast<FakeDisplay*>(object);
+        return fake != nullptr && static_cast<const Display*>(fake) == display;
+    };
+    for (Tracked* object : Tracked::Live()) {
+        if (matches(object)) {
+            return static_cast<FakeDisplay*>(object);
+        }
+    }
+    for (Tracked* object : Tracked::Released()) {
+        if (matches(object)) {
+            return static_cast<FakeDisplay*>(object);
+        }
+    }
+    return nullptr;
+}
+
+class FakeDisplayList final : public RefCounted<DisplayList> {
 public:
     explicit FakeDisplayList(size_t count)
     {
@@ -205,298 +287,336 @@ public:
             m_items.push_back(new FakeDisplay(i));
         }
     }
-    ~FakeDisplayList() override
-    {
-        // While ADLX terminates, the displays are destroyed with everything else.
-        if (g_terminating) {
-            return;
-        }
-        for (FakeDisplay* display : m_items) {
-            display->Release();
-        }
-    }
     const char* InterfaceName() const override { return "IADLXDisplayList"; }
 
-    adlx_uint ADLX_STD_CALL Size() override { return static_cast<adlx_uint>(m_items.size()); }
-    adlx_bool ADLX_STD_CALL Empty() override { return m_items.empty(); }
-    adlx_uint ADLX_STD_CALL Begin() override { return 0; }
-    adlx_uint ADLX_STD_CALL End() override { return Size(); }
-    ADLX_RESULT ADLX_STD_CALL At(const adlx_uint location, IADLXInterface** ppItem) override
+    unsigned __stdcall Size() override { return static_cast<unsigned>(m_items.size()); }
+    bool __stdcall Empty() override { return m_items.empty(); }
+    unsigned __stdcall Begin() override { return 0; }
+    unsigned __stdcall End() override { return Size(); }
+    Result __stdcall At(const unsigned location, Interface** ppItem) override
     {
-        IADLXDisplay* display = nullptr;
-        const ADLX_RESULT result = Take(location, &display);
+        Display* display = nullptr;
+        const Result result = Take(location, ppItem != nullptr ? &display : nullptr);
         if (ppItem != nullptr) {
             *ppItem = display;
         }
         return result;
     }
-    ADLX_RESULT ADLX_STD_CALL Clear() override { return ADLX_NOT_SUPPORTED; }
-    ADLX_RESULT ADLX_STD_CALL Remove_Back() override { return ADLX_NOT_SUPPORTED; }
-    ADLX_RESULT ADLX_STD_CALL Add_Back(IADLXInterface*) override { return ADLX_NOT_SUPPORTED; }
-    ADLX_RESULT ADLX_STD_CALL At_DisplayList(const adlx_uint location, IADLXDisplay** ppItem) override
-    {
-        return Take(location, ppItem);
-    }
-    ADLX_RESULT ADLX_STD_CALL Add_Back_DisplayList(IADLXDisplay*) override { return ADLX_NOT_SUPPORTED; }
+    Result __stdcall Clear() override { return kNotSupported; }
+    Result __stdcall Remove_Back() override { return kNotSupported; }
+    Result __stdcall Add_Back(Interface*) override { return kNotSupported; }
+    Result __stdcall AtDisplay(const unsigned location, Display** ppItem) override { return Take(location, ppItem); }
+    Result __stdcall AddBackDisplay(Display*) override { return kNotSupported; }
 
 private:
-    ADLX_RESULT Take(adlx_uint location, IADLXDisplay** ppItem)
+    // The list lets go of its displays with its last reference.
+    void OnLastRelease() override
+    {
+        for (FakeDisplay* display : m_items) {
+            display->Release();
+        }
+    }
+
+    Result Take(unsigned location, Display** ppItem)
     {
         Record record("At");
         record.Int("index", location);
+        if (ppItem != nullptr) {
+            *ppItem = nullptr;
+        }
+        if (IsReleased()) {
+            return record.Refused("a released IADLXDisplayList").Done(kInvalidObject);
+        }
         if (ppItem == nullptr) {
-            return record.Done(ADLX_INVALID_ARGS);
+            return record.Refused("no pointer to fill").Done(kInvalidArgs);
         }
-        *ppItem = nullptr;
-        const ADLX_RESULT result = WithFaultableState("At", [&](rapidjson::Document&) {
-            return location < m_items.size() ? ADLX_OK : ADLX_INVALID_ARGS;
-        });
-        if (result == ADLX_OK) {
-            m_items[location]->Acquire();
-            *ppItem = m_items[location];
+        const Result result = WithFaultableState("At", [&](rapidjson::Document&) { return kOk; });
+        if (result != kOk) {
+            return record.Done(result);
         }
-        return record.Done(result);
+        if (location >= m_items.size()) {
+            return record
+                .Refused("index " + std::to_string(location) + " past the " + std::to_string(m_items.size()) + " displays")
+                .Done(kInvalidArgs);
+        }
+        m_items[location]->Acquire();
+        *ppItem = m_items[location];
+        return record.Done(kOk);
     }
     std::vector<FakeDisplay*> m_items;
 };
 
-class FakeVariBright final : public RefCounted<IADLXDisplayVariBright> {
+// What a call came to: its result, and why it was refused when it was.
+struct Outcome {
+    Result result = kOk;
+    std::string refused;
+};
+
+// Writes a record for a call that keeps none of its own, when it was refused.
+Result Answer(const char* call, const Outcome& outcome)
+{
+    return outcome.refused.empty() ? outcome.result : Refuse(call, outcome.result, outcome.refused);
+}
+
+class FakeVariBright final : public RefCounted<DisplayVariBright> {
 public:
     explicit FakeVariBright(size_t display) : m_display(display) {}
     const char* InterfaceName() const override { return "IADLXDisplayVariBright"; }
     int64_t DisplayNumber() const override { return static_cast<int64_t>(m_display); }
 
-    ADLX_RESULT ADLX_STD_CALL IsSupported(adlx_bool* supported) override
+    Result __stdcall IsSupported(bool* supported) override
     {
         Record record("IsSupported");
         record.Int("display", DisplayNumber());
-        const ADLX_RESULT result = Read("IsSupported", supported, [](const rapidjson::Value& display) {
+        const Outcome outcome = Read("IsSupported", supported, [](const rapidjson::Value& display) {
             return BoolMember(display, "varibrightSupported");
         });
-        if (result == ADLX_OK) {
+        if (outcome.result == kOk) {
             record.Bool("supported", *supported);
         }
-        return record.Done(result);
+        return Done(record, outcome);
     }
-    ADLX_RESULT ADLX_STD_CALL IsEnabled(adlx_bool* enabled) override
+    Result __stdcall IsEnabled(bool* enabled) override
     {
-        return Read("IsEnabled", enabled,
-                    [](const rapidjson::Value& display) { return BoolMember(display, "varibrightEnabled"); });
+        return Answer("IsEnabled", Read("IsEnabled", enabled, [](const rapidjson::Value& display) {
+                          return BoolMember(display, "varibrightEnabled");
+                      }));
     }
-    ADLX_RESULT ADLX_STD_CALL SetEnabled(adlx_bool enabled) override
+    Result __stdcall SetEnabled(bool enabled) override
     {
         Record record("SetEnabled");
         record.Int("display", DisplayNumber()).Bool("value", enabled);
-        return record.Done(Change("SetEnabled", [enabled](rapidjson::Document& state, rapidjson::Value& display) {
-            SetMember(state, display, "varibrightEnabled", rapidjson::Value(enabled));
-        }));
+        return Done(record, Change("SetEnabled", [enabled](rapidjson::Document& state, rapidjson::Value& display) {
+                        SetMember(state, display, "varibrightEnabled", rapidjson::Value(enabled));
+                    }));
     }
-    ADLX_RESULT ADLX_STD_CALL IsCurrentMaximizeBrightness(adlx_bool* isCurrent) override
+    Result __stdcall IsCurrentMaximizeBrightness(bool* isCurrent) override
     {
         return IsMode("IsCurrentMaximizeBrightness", "maximizeBrightness", isCurrent);
     }
-    ADLX_RESULT ADLX_STD_CALL IsCurrentOptimizeBrightness(adlx_bool* isCurrent) override
+    Result __stdcall IsCurrentOptimizeBrightness(bool* isCurrent) override
     {
         return IsMode("IsCurrentOptimizeBrightness", "optimizeBrightness", isCurrent);
     }
-    ADLX_RESULT ADLX_STD_CALL IsCurrentBalanced(adlx_bool* isCurrent) override
+    Result __stdcall IsCurrentBalanced(bool* isCurrent) override
     {
         return IsMode("IsCurrentBalanced", "balanced", isCurrent);
     }
-    ADLX_RESULT ADLX_STD_CALL IsCurrentOptimizeBattery(adlx_bool* isCurrent) override
+    Result __stdcall IsCurrentOptimizeBattery(bool* isCurrent) override
     {
         return IsMode("IsCurrentOptimizeBattery", "optimizeBattery", isCurrent);
     }
-    ADLX_RESULT ADLX_STD_CALL IsCurrentMaximizeBattery(adlx_bool* isCurrent) override
+    Result __stdcall IsCurrentMaximizeBattery(bool* isCurrent) override
     {
         return IsMode("IsCurrentMaximizeBattery", "maximizeBattery", isCurrent);
     }
-    ADLX_RESULT ADLX_STD_CALL SetMaximizeBrightness() override
+    Result __stdcall SetMaximizeBrightness() override
     {
         return SetMode("SetMaximizeBrightness", "maximizeBrightness");
     }
-    ADLX_RESULT ADLX_STD_CALL SetOptimizeBrightness() override
+    Result __stdcall SetOptimizeBrightness() override
     {
         return SetMode("SetOptimizeBrightness", "optimizeBrightness");
     }
-    ADLX_RESULT ADLX_STD_CALL SetBalanced() override { return SetMode("SetBalanced", "balanced"); }
-    ADLX_RESULT ADLX_STD_CALL SetOptimizeBattery() override { return SetMode("SetOptimizeBattery", "optimizeBattery"); }
-    ADLX_RESULT ADLX_STD_CALL SetMaximizeBattery() override { return SetMode("SetMaximizeBattery", "maximizeBattery"); }
+    Result __stdcall SetBalanced() override { return SetMode("SetBalanced", "balanced"); }
+    Result __stdcall SetOptimizeBattery() override { return SetMode("SetOptimizeBattery", "optimizeBattery"); }
+    Result __stdcall SetMaximizeBattery() override { return SetMode("SetMaximizeBattery", "maximizeBattery"); }
 
 private:
+    static Result Done(Record& record, const Outcome& outcome)
+    {
+        if (!outcome.refused.empty()) {
+            record.Refused(outcome.refused);
+        }
+        return record.Done(outcome.result);
+    }
     rapidjson::Value* MyDisplay(rapidjson::Document& state) const
     {
         const auto displays = DisplayStates(state);
         return m_display < displays.size() ? displays[m_display] : nullptr;
     }
-    ADLX_RESULT Read(const char* function, adlx_bool* out, const std::function<bool(const rapidjson::Value&)>& read)
+    // Runs `use` on this display's state unless the interface was released, a fault is
+    // injected, or the display is gone from the profile.
+    Outcome OnDisplay(const char* function, const std::function<Outcome(rapidjson::Document&, rapidjson::Value&)>& use)
     {
-        if (out == nullptr) {
-            return ADLX_INVALID_ARGS;
+        if (IsReleased()) {
+            return {kInvalidObject, "a released IADLXDisplayVariBright"};
         }
-        return WithFaultableState(function, [&](rapidjson::Document& state) {
-            const rapidjson::Value* display = MyDisplay(state);
-            if (display == nullptr) {
-                return ADLX_INVALID_OBJECT;
-            }
-            *out = read(*display);
-            return ADLX_OK;
+        Outcome outcome;
+        outcome.result = WithFaultableState(function, [&](rapidjson::Document& state) {
+            rapidjson::Value* display = MyDisplay(state);
+            outcome = display != nullptr ? use(state, *display)
+                                         : Outcome{kInvalidObject, "display " + std::to_string(m_display) + " is gone"};
+            return outcome.result;
+        });
+        return outcome;
+    }
+    Outcome Read(const char* function, bool* out, const std::function<bool(const rapidjson::Value&)>& read)
+    {
+        if (out == nullptr && !IsReleased()) {
+            return {kInvalidArgs, "no value to fill"};
+        }
+        return OnDisplay(function, [&](rapidjson::Document&, rapidjson::Value& display) {
+            *out = read(display);
+            return Outcome{};
         });
     }
     // A change is accepted only where VariBright is supported.
-    ADLX_RESULT Change(const char* function, const std::function<void(rapidjson::Document&, rapidjson::Value&)>& change)
+    Outcome Change(const char* function, const std::function<void(rapidjson::Document&, rapidjson::Value&)>& change)
     {
-        return WithFaultableState(function, [&](rapidjson::Document& state) {
-            rapidjson::Value* display = MyDisplay(state);
-            if (display == nullptr) {
-                return ADLX_INVALID_OBJECT;
+        return OnDisplay(function, [&](rapidjson::Document& state, rapidjson::Value& display) {
+            if (!BoolMember(display, "varibrightSupported")) {
+                return Outcome{kNotSupported, "VariBright is not supported on display " + std::to_string(m_display)};
             }
-            if (!BoolMember(*display, "varibrightSupported")) {
-                return ADLX_NOT_SUPPORTED;
-            }
-            change(state, *display);
-            return ADLX_OK;
+            change(state, display);
+            return Outcome{};
         });
     }
-    ADLX_RESULT IsMode(const char* function, const char* mode, adlx_bool* isCurrent)
+    Result IsMode(const char* function, const char* mode, bool* isCurrent)
     {
-        return Read(function, isCurrent, [mode](const rapidjson::Value& display) {
-            return display.HasMember("varibrightMode") && display["varibrightMode"].IsString() &&
-                   std::string(display["varibrightMode"].GetString()) == mode;
-        });
+        return Answer(function, Read(function, isCurrent, [mode](const rapidjson::Value& display) {
+                          return display.HasMember("varibrightMode") && display["varibrightMode"].IsString() &&
+                                 std::string(display["varibrightMode"].GetString()) == mode;
+                      }));
     }
-    ADLX_RESULT SetMode(const char* function, const char* mode)
+    Result SetMode(const char* function, const char* mode)
     {
         Record record(function);
         record.Int("display", DisplayNumber());
-        return record.Done(Change(function, [mode](rapidjson::Document& state, rapidjson::Value& display) {
-            SetMember(state, display, "varibrightMode", rapidjson::Value(mode, state.GetAllocator()));
-        }));
+        return Done(record, Change(function, [mode](rapidjson::Document& state, rapidjson::Value& display) {
+                        SetMember(state, display, "varibrightMode", rapidjson::Value(mode, state.GetAllocator()));
+                    }));
     }
     size_t m_display;
 };
 
-class FakeDisplayServices final : public RefCounted<IADLXDisplayServices> {
+class FakeDisplayServices final : public RefCounted<DisplayServices> {
 public:
     const char* InterfaceName() const override { return "IADLXDisplayServices"; }
 
-    ADLX_RESULT ADLX_STD_CALL GetNumberOfDisplays(adlx_uint* numDisplays) override
+    Result __stdcall GetNumberOfDisplays(unsigned* numDisplays) override
     {
+        if (IsReleased()) {
+            return RefuseReleased("GetNumberOfDisplays");
+        }
         if (numDisplays == nullptr) {
-            return ADLX_INVALID_ARGS;
+            return Refuse("GetNumberOfDisplays", kInvalidArgs, "no count to fill");
         }
         return WithFaultableState("GetNumberOfDisplays", [&](rapidjson::Document& state) {
-            *numDisplays = static_cast<adlx_uint>(DisplayStates(state).size());
-            return ADLX_OK;
+            *numDisplays = static_cast<unsigned>(DisplayStates(state).size());
+            return kOk;
         });
     }
-    ADLX_RESULT ADLX_STD_CALL GetDisplays(IADLXDisplayList** ppDisplays) override
+    Result __stdcall GetDisplays(DisplayList** ppDisplays) override
     {
         Record record("GetDisplays");
+        if (IsReleased()) {
+            return record.Refused("a released IADLXDisplayServices").Done(kInvalidObject);
+        }
         if (ppDisplays == nullptr) {
-            return record.Done(ADLX_INVALID_ARGS);
+            return record.Refused("no list pointer to fill").Done(kInvalidArgs);
         }
         *ppDisplays = nullptr;
         size_t count = 0;
-        const ADLX_RESULT result = WithFaultableState("GetDisplays", [&](rapidjson::Document& state) {
+        const Result result = WithFaultableState("GetDisplays", [&](rapidjson::Document& state) {
             count = DisplayStates(state).size();
-            return ADLX_OK;
+            return kOk;
         });
-        if (result == ADLX_OK) {
+        if (result == kOk) {
             *ppDisplays = new FakeDisplayList(count);
             record.Int("count", static_cast<int64_t>(count));
         }
         return record.Done(result);
     }
-    ADLX_RESULT ADLX_STD_CALL Get3DLUT(IADLXDisplay*, IADLXInterface** out) override { return None(out); }
-    ADLX_RESULT ADLX_STD_CALL GetGamut(IADLXDisplay*, IADLXInterface** out) override { return None(out); }
-    ADLX_RESULT ADLX_STD_CALL GetGamma(IADLXDisplay*, IADLXInterface** out) override { return None(out); }
-    ADLX_RESULT ADLX_STD_CALL GetDisplayChangedHandling(IADLXDisplayChangedHandling** out) override
-    {
-        return None(out);
-    }
-    ADLX_RESULT ADLX_STD_CALL GetFreeSync(IADLXDisplay*, IADLXInterface** out) override { return None(out); }
-    ADLX_RESULT ADLX_STD_CALL GetVirtualSuperResolution(IADLXDisplay*, IADLXInterface** out) override
-    {
-        return None(out);
-    }
-    ADLX_RESULT ADLX_STD_CALL GetGPUScaling(IADLXDisplay*, IADLXInterface** out) override { return None(out); }
-    ADLX_RESULT ADLX_STD_CALL GetScalingMode(IADLXDisplay*, IADLXInterface** out) override { return None(out); }
-    ADLX_RESULT ADLX_STD_CALL GetIntegerScaling(IADLXDisplay*, IADLXInterface** out) override { return None(out); }
-    ADLX_RESULT ADLX_STD_CALL GetColorDepth(IADLXDisplay*, IADLXInterface** out) override { return None(out); }
-    ADLX_RESULT ADLX_STD_CALL GetPixelFormat(IADLXDisplay*, IADLXInterface** out) override { return None(out); }
-    ADLX_RESULT ADLX_STD_CALL GetCustomColor(IADLXDisplay*, IADLXInterface** out) override { return None(out); }
-    ADLX_RESULT ADLX_STD_CALL GetHDCP(IADLXDisplay*, IADLXInterface** out) override { return None(out); }
-    ADLX_RESULT ADLX_STD_CALL GetCustomResolution(IADLXDisplay*, IADLXInterface** out) override { return None(out); }
-    ADLX_RESULT ADLX_STD_CALL GetVariBright(IADLXDisplay* pDisplay, IADLXDisplayVariBright** ppVariBright) override
+    Result __stdcall Get3DLUT(Display*, void** out) override { return None(out); }
+    Result __stdcall GetGamut(Display*, void** out) override { return None(out); }
+    Result __stdcall GetGamma(Display*, void** out) override { return None(out); }
+    Result __stdcall GetDisplayChangedHandling(void** out) override { return None(out); }
+    Result __stdcall GetFreeSync(Display*, void** out) override { return None(out); }
+    Result __stdcall GetVirtualSuperResolution(Display*, void** out) override { return None(out); }
+    Result __stdcall GetGPUScaling(Display*, void** out) override { return None(out); }
+    Result __stdcall GetScalingMode(Display*, void** out) override { return None(out); }
+    Result __stdcall GetIntegerScaling(Display*, void** out) override { return None(out); }
+    Result __stdcall GetColorDepth(Display*, void** out) override { return None(out); }
+    Result __stdcall GetPixelFormat(Display*, void** out) override { return None(out); }
+    Result __stdcall GetCustomColor(Display*, void** out) override { return None(out); }
+    Result __stdcall GetHDCP(Display*, void** out) override { return None(out); }
+    Result __stdcall GetCustomResolution(Display*, void** out) override { return None(out); }
+    // The display must be one this ADLX handed out and the caller still holds; anything else
+    // is refused without being called.
+    Result __stdcall GetVariBright(Display* pDisplay, DisplayVariBright** ppVariBright) override
     {
         Record record("GetVariBright");
+        if (ppVariBright != nullptr) {
+            *ppVariBright = nullptr;
+        }
+        if (IsReleased()) {
+            return record.Refused("a released IADLXDisplayServices").Done(kInvalidObject);
+        }
         if (ppVariBright == nullptr || pDisplay == nullptr) {
-            if (ppVariBright != nullptr) {
-                *ppVariBright = nullptr;
-            }
-            return record.Done(ADLX_INVALID_ARGS);
+            return record.Refused(pDisplay == nullptr ? "no display" : "no interface pointer to fill").Done(kInvalidArgs);
         }
-        *ppVariBright = nullptr;
-        adlx_size display = 0;
-        if (pDisplay->UniqueId(&display) != ADLX_OK) {
-            return record.Done(ADLX_INVALID_OBJECT);
+        const FakeDisplay* display = FindDisplay(pDisplay);
+        if (display == nullptr) {
+            return record.Refused("a display this ADLX did not hand out").Done(kInvalidObject);
         }
-        record.Int("display", static_cast<int64_t>(display));
-        const ADLX_RESULT result =
-            WithFaultableState("GetVariBright", [](rapidjson::Document&) { return ADLX_OK; });
-        if (result == ADLX_OK) {
-            *ppVariBright = new FakeVariBright(display);
+        record.Int("display", static_cast<int64_t>(display->Index()));
+        if (display->Released()) {
+            return record.Refused("a released IADLXDisplay").Done(kInvalidObject);
+        }
+        const Result result = WithFaultableState("GetVariBright", [](rapidjson::Document&) { return kOk; });
+        if (result == kOk) {
+            *ppVariBright = new FakeVariBright(display->Index());
         }
         return record.Done(result);
     }
 
 private:
     template <class T>
-    static ADLX_RESULT None(T** out)
+    static Result None(T** out)
     {
         if (out != nullptr) {
             *out = nullptr;
         }
-        return ADLX_NOT_SUPPORTED;
+        return kNotSupported;
     }
 };
 
 // Not reference counted, like ADLX's own: it lives from ADLXInitialize to ADLXTerminate.
-class FakeSystem final : public IADLXSystem {
+class FakeSystem final : public System {
 public:
-    ADLX_RESULT ADLX_STD_CALL HybridGraphicsType(ADLX_HG_TYPE* hgType) override
+    Result __stdcall HybridGraphicsType(int* hgType) override
     {
         if (hgType == nullptr) {
-            return ADLX_INVALID_ARGS;
+            return Refuse("HybridGraphicsType", kInvalidArgs, "no value to fill");
         }
-        *hgType = ADLX_HG_TYPE{};
-        return ADLX_OK;
+        *hgType = 0;
+        return kOk;
     }
-    ADLX_RESULT ADLX_STD_CALL GetGPUs(IADLXGPUList** ppGPUs) override
+    Result __stdcall GetGPUs(void** ppGPUs) override
     {
         if (ppGPUs != nullptr) {
             *ppGPUs = nullptr;
         }
-        return ADLX_NOT_SUPPORTED;
+        return kNotSupported;
     }
-    ADLX_RESULT ADLX_STD_CALL QueryInterface(const wchar_t*, void** ppInterface) override
+    Result __stdcall QueryInterface(const wchar_t*, void** ppInterface) override
     {
         if (ppInterface != nullptr) {
             *ppInterface = nullptr;
         }
-        return ADLX_UNKNOWN_INTERFACE;
+        return kUnknownInterface;
     }
-    ADLX_RESULT ADLX_STD_CALL GetDisplaysServices(IADLXDisplayServices** ppDispServices) override
+    Result __stdcall GetDisplaysServices(DisplayServices** ppDispServices) override
     {
         Record record("GetDisplaysServices");
         if (ppDispServices == nullptr) {
-            return record.Done(ADLX_INVALID_ARGS);
+            return record.Refused("no pointer to fill").Done(kInvalidArgs);
         }
         *ppDispServices = nullptr;
-        const ADLX_RESULT result =
-            WithFaultableState("GetDisplaysServices", [](rapidjson::Document&) { return ADLX_OK; });
-        if (result == ADLX_OK) {
+        const Result result =
+            WithFaultableState("GetDisplaysServices", [](rapidjson::Document&) { return kOk; });
+        if (result == kOk) {
             *ppDispServices = new FakeDisplayServices();
         }
         return record.Done(result);
@@ -513,99 +633,121 @@ void SetInitialized(bool initialized)
     });
 }
 
-ADLX_RESULT Initialize(const char* call, adlx_uint64 version, IADLXSystem** ppSystem)
+// The header version a caller was built against must be of this ADLX's major version and
+// no newer than this ADLX: it cannot give what a later header promises.
+std::string CheckVersion(uint64_t version)
 {
-    Record record(call);
+    if (VersionMajor(version) != VersionMajor(kFakeFullVersion)) {
+        return "version " + VersionHex(version) + ": major " + std::to_string(VersionMajor(version)) +
+               " is not this ADLX's " + std::to_string(VersionMajor(kFakeFullVersion));
+    }
+    if (version > kFakeFullVersion) {
+        return "version " + VersionHex(version) + " is newer than this ADLX's " + VersionHex(kFakeFullVersion);
+    }
+    return {};
+}
+
+Result Initialize(Record& record, const char* call, uint64_t version, System** ppSystem)
+{
     record.Text("version", VersionHex(version));
     if (ppSystem == nullptr) {
-        return record.Done(ADLX_INVALID_ARGS);
+        return record.Refused("no system pointer to fill").Done(kInvalidArgs);
     }
-    const ADLX_RESULT result = WithFaultableState(call, [version](rapidjson::Document&) {
-        return (version >> 48) == (kFakeFullVersion >> 48) ? ADLX_OK : ADLX_BAD_VER;
-    });
-    if (result != ADLX_OK) {
-        *ppSystem = nullptr;
+    *ppSystem = nullptr;
+    const Result result = WithFaultableState(call, [](rapidjson::Document&) { return kOk; });
+    if (result != kOk) {
         return record.Done(result);
+    }
+    if (const std::string refused = CheckVersion(version); !refused.empty()) {
+        return record.Refused(refused).Done(kBadVersion);
     }
     if (g_system != nullptr) {
         *ppSystem = g_system;
-        return record.Done(ADLX_ALREADY_INITIALIZED);
+        return record.Done(kAlreadyInitialized);
     }
     g_system = new FakeSystem();
     *ppSystem = g_system;
     SetInitialized(true);
-    return record.Done(ADLX_OK);
+    return record.Done(kOk);
 }
 
 }  // namespace
 
 extern "C" {
 
-ADLX_RESULT ADLXQueryFullVersion(adlx_uint64* fullVersion)
+Result ADLXQueryFullVersion(uint64_t* fullVersion)
 {
     Record record("ADLXQueryFullVersion");
     if (fullVersion == nullptr) {
-        return record.Done(ADLX_INVALID_ARGS);
+        return record.Refused("no version to fill").Done(kInvalidArgs);
     }
     return record.Done(WithFaultableState("ADLXQueryFullVersion", [fullVersion](rapidjson::Document&) {
         *fullVersion = kFakeFullVersion;
-        return ADLX_OK;
+        return kOk;
     }));
 }
 
-ADLX_RESULT ADLXQueryVersion(const char** version)
+Result ADLXQueryVersion(const char** version)
 {
     Record record("ADLXQueryVersion");
     if (version == nullptr) {
-        return record.Done(ADLX_INVALID_ARGS);
+        return record.Refused("no version to fill").Done(kInvalidArgs);
     }
     return record.Done(WithFaultableState("ADLXQueryVersion", [version](rapidjson::Document&) {
         *version = kFakeVersion;
-        return ADLX_OK;
+        return kOk;
     }));
 }
 
-ADLX_RESULT ADLXInitializeWithCallerAdl(adlx_uint64 version, IADLXSystem** ppSystem, IADLMapping** ppAdlMapping,
-                                        void*, void (*)(void**))
+// The caller's ADL context and its way of freeing ADL's memory are both needed.
+Result ADLXInitializeWithCallerAdl(uint64_t version, System** ppSystem, void** ppAdlMapping, void* adlContext,
+                                   void (*adlMainMemoryFree)(void**))
 {
+    Record record("ADLXInitializeWithCallerAdl");
     if (ppAdlMapping != nullptr) {
         *ppAdlMapping = nullptr;
     }
-    return Initialize("ADLXInitializeWithCallerAdl", version, ppSystem);
+    if (ppAdlMapping == nullptr || adlContext == nullptr || adlMainMemoryFree == nullptr) {
+        if (ppSystem != nullptr) {
+            *ppSystem = nullptr;
+        }
+        return record
+            .Refused(ppAdlMapping == nullptr ? "no ADL mapping pointer to fill"
+                     : adlContext == nullptr ? "no ADL context"
+                                             : "no ADL memory free function")
+            .Done(kInvalidArgs);
+    }
+    return Initialize(record, "ADLXInitializeWithCallerAdl", version, ppSystem);
 }
 
-ADLX_RESULT ADLXInitializeWithIncompatibleDriver(adlx_uint64 version, IADLXSystem** ppSystem)
+Result ADLXInitializeWithIncompatibleDriver(uint64_t version, System** ppSystem)
 {
-    return Initialize("ADLXInitializeWithIncompatibleDriver", version, ppSystem);
+    Record record("ADLXInitializeWithIncompatibleDriver");
+    return Initialize(record, "ADLXInitializeWithIncompatibleDriver", version, ppSystem);
 }
 
-ADLX_RESULT ADLXInitialize(adlx_uint64 version, IADLXSystem** ppSystem)
+Result ADLXInitialize(uint64_t version, System** ppSystem)
 {
-    return Initialize("ADLXInitialize", version, ppSystem);
+    Record record("ADLXInitialize");
+    return Initialize(record, "ADLXInitialize", version, ppSystem);
 }
 
-ADLX_RESULT ADLXTerminate()
+Result ADLXTerminate()
 {
     Record record("ADLXTerminate");
-    const ADLX_RESULT result = WithFaultableState("ADLXTerminate", [](rapidjson::Document&) { return ADLX_OK; });
-    if (result != ADLX_OK) {
+    const Result result = WithFaultableState("ADLXTerminate", [](rapidjson::Document&) { return kOk; });
+    if (result != kOk) {
         return record.Done(result);
     }
     // What the caller still holds dies with ADLX.
-    const std::set<Tracked*> orphans = Tracked::Live();
-    record.Int("orphans", static_cast<int64_t>(orphans.size()));
-    g_terminating = true;
-    for (Tracked* object : orphans) {
-        delete object;
-    }
-    g_terminating = false;
+    record.Int("orphans", static_cast<int64_t>(Tracked::DestroyAll()));
     const bool wasInitialized = g_system != nullptr;
     delete g_system;
     g_system = nullptr;
     if (wasInitialized) {
         SetInitialized(false);
     }
-    return record.Done(ADLX_OK);
+    return record.Done(kOk);
 }
 
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved)

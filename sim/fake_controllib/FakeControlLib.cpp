@@ -5,13 +5,17 @@
 // DPST/OPST power-optimisation state. Every other entry point records its arguments and answers
 // the code the profile chooses, so that forwarding can be proven for each one.
 //
-// Every call first counts itself and answers an injected fault before it touches an argument,
-// and every call goes into the transaction log with its raw arguments (pointers as integers,
+// Every call first counts itself and answers an injected fault before it touches an argument.
+// The entry points it acts on then check each record as a careful driver does (Size, Version,
+// reserved fields, enumerations, counts against the record's buffer) and refuse what they do
+// not accept with the driver's own code, saying why in the log's "refused" member. Every call
+// goes into the transaction log with its raw arguments (pointers as integers,
 // doubles with their exact bits) and, for handles this library gave out, the adapter and output
 // indices. The state lives in LumavenSim's shared state, so it survives this library being
 // loaded and unloaded on every command.
 #include "intel/ControlLibFunctions.h"
 
+#include "DriverRecords.h"
 #include "IntelState.h"
 #include "SimState.h"
 
@@ -21,13 +25,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <optional>
+#include <string>
 #include <utility>
 
 namespace {
 
 namespace Intel = LumavenSim::Intel;
+namespace Driver = LumavenSim::IntelDriver;
 using Document = rapidjson::Document;
 
 // Handles are tagged integers that carry the indices; the service never dereferences them.
@@ -106,6 +113,13 @@ public:
 
     void Argument(rapidjson::Value value) { m_args.PushBack(value, Allocator()); }
 
+    // Records why the driver does not accept the call, and answers `code`.
+    ctl_result_t Refuse(uint32_t code, const std::string& reason)
+    {
+        Add("refused", reason);
+        return static_cast<ctl_result_t>(code);
+    }
+
     void Finish(ctl_result_t result)
     {
         m_record.AddMember("args", m_args, Allocator());
@@ -165,8 +179,11 @@ rapidjson::Value DoubleValue(Call& call, double value)
 
 void Encode(Call& call, double value) { call.Argument(DoubleValue(call, value)); }
 
-void Encode(Call& call, ctl_oc_vf_pair_t pair)
+void Encode(Call& call, ctl_oc_vf_pair_t passed)
 {
+    Driver::VfPair pair{};
+    static_assert(sizeof passed == sizeof pair);
+    std::memcpy(&pair, &passed, sizeof pair);
     rapidjson::Value object(rapidjson::kObjectType);
     object.AddMember("Size", rapidjson::Value(pair.Size), call.Allocator());
     object.AddMember("Version", rapidjson::Value(static_cast<uint32_t>(pair.Version)), call.Allocator());
@@ -186,37 +203,92 @@ struct Tag {};
 template <Fn id, class... Args>
 ctl_result_t Act(Tag<id>, Call& call, Document& state, Args...)
 {
-    return static_cast<ctl_result_t>(Intel::ChosenResult(state, call.Function()).value_or(CTL_RESULT_ERROR_NOT_IMPLEMENTED));
+    return static_cast<ctl_result_t>(Intel::ChosenResult(state, call.Function()).value_or(Driver::kNotImplemented));
 }
 
-ctl_result_t Act(Tag<Fn::ctlInit>, Call& call, Document&, ctl_init_args_t* args, ctl_api_handle_t* handle)
+constexpr ctl_result_t Result(uint32_t code) { return static_cast<ctl_result_t>(code); }
+
+std::string Hex(uint64_t value)
 {
-    if (args == nullptr || handle == nullptr) {
-        return CTL_RESULT_ERROR_INVALID_NULL_POINTER;
-    }
-    call.Add("appVersion", args->AppVersion);
-    args->SupportedVersion = 0x00010001;
-    *handle = ApiHandle();
-    return CTL_RESULT_SUCCESS;
+    char text[24];
+    std::snprintf(text, sizeof text, "0x%llX", static_cast<unsigned long long>(value));
+    return text;
 }
 
-ctl_result_t Act(Tag<Fn::ctlClose>, Call&, Document&, ctl_api_handle_t handle)
+// Takes in the caller's record after checking the two fields every record starts with: a
+// record of another size is not the one this driver knows (it reads no further than Size
+// then), and a Version other than the one it implements is not understood.
+template <class Record>
+ctl_result_t Receive(Call& call, const void* from, Record& record)
+{
+    uint32_t size = 0;
+    std::memcpy(&size, from, sizeof size);
+    if (size != sizeof(Record)) {
+        return call.Refuse(Driver::kInvalidArgument,
+                           "Size " + std::to_string(size) + ", expected " + std::to_string(sizeof(Record)));
+    }
+    std::memcpy(&record, from, sizeof record);
+    if (record.Version != Driver::kRecordVersion) {
+        return call.Refuse(Driver::kUnsupportedVersion, "Version " + std::to_string(record.Version) + ", expected " +
+                                                            std::to_string(Driver::kRecordVersion));
+    }
+    return Result(Driver::kSuccess);
+}
+
+// Hands a record the driver filled back to the caller.
+template <class Record>
+void Give(const Record& record, void* to)
+{
+    std::memcpy(to, &record, sizeof record);
+}
+
+ctl_result_t Act(Tag<Fn::ctlInit>, Call& call, Document&, ctl_init_args_t* passed, ctl_api_handle_t* handle)
+{
+    if (passed == nullptr || handle == nullptr) {
+        return call.Refuse(Driver::kNullPointer, passed == nullptr ? "no init arguments" : "no handle to fill");
+    }
+    Driver::InitArgs args{};
+    if (const ctl_result_t refused = Receive(call, passed, args)) {
+        return refused;
+    }
+    call.Add("appVersion", args.AppVersion);
+    if ((args.AppVersion >> 16) != Driver::kApiMajor) {
+        return call.Refuse(Driver::kUnsupportedVersion, "AppVersion " + Hex(args.AppVersion) + ", major " +
+                                                            std::to_string(args.AppVersion >> 16) + " not implemented");
+    }
+    // None of the init flags (Level Zero, igsc, ...) is implemented here.
+    if (args.flags != 0) {
+        return call.Refuse(Driver::kInvalidArgument, "flags " + Hex(args.flags) + " not supported");
+    }
+    args.SupportedVersion = Driver::kSupportedVersion;
+    Give(args, passed);
+    *handle = ApiHandle();
+    return Result(Driver::kSuccess);
+}
+
+ctl_result_t Act(Tag<Fn::ctlClose>, Call& call, Document&, ctl_api_handle_t handle)
 {
     if (handle == nullptr) {
-        return CTL_RESULT_ERROR_INVALID_NULL_POINTER;
+        return call.Refuse(Driver::kNullPointer, "no API handle");
     }
-    return handle == ApiHandle() ? CTL_RESULT_SUCCESS : CTL_RESULT_ERROR_INVALID_ARGUMENT;
+    return handle == ApiHandle() ? Result(Driver::kSuccess)
+                                 : call.Refuse(Driver::kInvalidArgument, "an API handle this driver did not give out");
 }
 
-ctl_result_t Act(Tag<Fn::ctlSetRuntimePath>, Call& call, Document&, ctl_runtime_path_args_t* args)
+ctl_result_t Act(Tag<Fn::ctlSetRuntimePath>, Call& call, Document&, ctl_runtime_path_args_t* passed)
 {
-    if (args == nullptr) {
-        return CTL_RESULT_ERROR_INVALID_NULL_POINTER;
+    if (passed == nullptr) {
+        return call.Refuse(Driver::kNullPointer, "no runtime path arguments");
     }
-    if (args->pRuntimePath != nullptr) {
-        call.Add("path", Utf8(args->pRuntimePath));
+    Driver::RuntimePathArgs args{};
+    if (const ctl_result_t refused = Receive(call, passed, args)) {
+        return refused;
     }
-    return CTL_RESULT_SUCCESS;
+    if (args.pRuntimePath == nullptr) {
+        return call.Refuse(Driver::kNullPointer, "no runtime path");
+    }
+    call.Add("path", Utf8(args.pRuntimePath));
+    return Result(Driver::kSuccess);
 }
 
 // The count-then-fill protocol: without an array (or with a count of 0) the call reports how
@@ -225,7 +297,7 @@ template <class Handle, class MakeHandle>
 ctl_result_t Enumerate(Call& call, size_t available, uint32_t* count, Handle* handles, MakeHandle make)
 {
     if (count == nullptr) {
-        return CTL_RESULT_ERROR_INVALID_NULL_POINTER;
+        return call.Refuse(Driver::kNullPointer, "no count");
     }
     if (handles == nullptr || *count == 0) {
         *count = static_cast<uint32_t>(available);
@@ -237,14 +309,15 @@ ctl_result_t Enumerate(Call& call, size_t available, uint32_t* count, Handle* ha
     }
     call.Add("count", *count);
     call.Add("filled", handles != nullptr);
-    return CTL_RESULT_SUCCESS;
+    return Result(Driver::kSuccess);
 }
 
 ctl_result_t Act(Tag<Fn::ctlEnumerateDevices>, Call& call, Document& state, ctl_api_handle_t api, uint32_t* count,
                  ctl_device_adapter_handle_t* devices)
 {
     if (api != ApiHandle()) {
-        return api == nullptr ? CTL_RESULT_ERROR_INVALID_NULL_POINTER : CTL_RESULT_ERROR_INVALID_ARGUMENT;
+        return api == nullptr ? call.Refuse(Driver::kNullPointer, "no API handle")
+                              : call.Refuse(Driver::kInvalidArgument, "an API handle this driver did not give out");
     }
     return Enumerate(call, Intel::AdapterCount(state), count, devices, [](size_t i) { return AdapterHandle(i); });
 }
@@ -254,138 +327,237 @@ ctl_result_t Act(Tag<Fn::ctlEnumerateDisplayOutputs>, Call& call, Document& stat
 {
     const auto adapter = AdapterOf(device);
     if (!adapter || *adapter >= Intel::AdapterCount(state)) {
-        return device == nullptr ? CTL_RESULT_ERROR_INVALID_NULL_POINTER : CTL_RESULT_ERROR_INVALID_ARGUMENT;
+        return device == nullptr ? call.Refuse(Driver::kNullPointer, "no adapter handle")
+                                 : call.Refuse(Driver::kInvalidArgument, "an adapter handle this driver did not give out");
     }
     return Enumerate(call, Intel::OutputCount(state, *adapter), count, outputs,
                      [&](size_t i) { return OutputHandle(*adapter, i); });
 }
 
-// The output behind a display handle, or the error a driver gives for a bad handle or record.
+// The output behind a display handle, and the caller's record taken in; or the driver's
+// refusal of the handle or the record.
 template <class Record>
-std::pair<rapidjson::Value*, ctl_result_t> Target(Document& state, ctl_display_output_handle_t display, Record* record)
+std::pair<rapidjson::Value*, ctl_result_t> Target(Call& call, Document& state, ctl_display_output_handle_t display,
+                                                  const void* passed, Record& record)
 {
     const auto indices = OutputOf(display);
     rapidjson::Value* output = indices ? Intel::Output(state, indices->first, indices->second) : nullptr;
     if (output == nullptr) {
-        return {nullptr, display == nullptr ? CTL_RESULT_ERROR_INVALID_NULL_POINTER : CTL_RESULT_ERROR_INVALID_ARGUMENT};
+        return {nullptr, display == nullptr
+                             ? call.Refuse(Driver::kNullPointer, "no display handle")
+                             : call.Refuse(Driver::kInvalidArgument, "a display handle this driver did not give out")};
     }
-    if (record == nullptr) {
-        return {nullptr, CTL_RESULT_ERROR_INVALID_NULL_POINTER};
+    if (passed == nullptr) {
+        return {nullptr, call.Refuse(Driver::kNullPointer, "no record")};
     }
-    return {output, CTL_RESULT_SUCCESS};
+    if (const ctl_result_t refused = Receive(call, passed, record)) {
+        return {nullptr, refused};
+    }
+    return {output, Result(Driver::kSuccess)};
+}
+
+// The index of the first non-zero element, if any.
+template <class T, size_t N>
+std::optional<size_t> FirstNonZero(const T (&values)[N], size_t from = 0)
+{
+    for (size_t i = from; i < N; ++i) {
+        if (values[i] != 0) {
+            return i;
+        }
+    }
+    return std::nullopt;
 }
 
 ctl_result_t Act(Tag<Fn::ctlGetDisplayProperties>, Call& call, Document& state, ctl_display_output_handle_t display,
-                 ctl_display_properties_t* properties)
+                 ctl_display_properties_t* passed)
 {
-    const auto [output, error] = Target(state, display, properties);
+    Driver::DisplayProperties properties{};
+    const auto [output, error] = Target(call, state, display, passed, properties);
     if (output == nullptr) {
         return error;
     }
-    properties->DisplayConfigFlags = (Intel::Attached(*output) ? CTL_DISPLAY_CONFIG_FLAG_DISPLAY_ATTACHED : 0) |
-                                     (Intel::Active(*output) ? CTL_DISPLAY_CONFIG_FLAG_DISPLAY_ACTIVE : 0);
-    call.Add("flags", properties->DisplayConfigFlags);
-    return CTL_RESULT_SUCCESS;
+    if (const auto reserved = FirstNonZero(properties.ReservedFields)) {
+        return call.Refuse(Driver::kInvalidArgument, "ReservedFields[" + std::to_string(*reserved) + "] is not zero");
+    }
+    properties.DisplayConfigFlags = (Intel::Attached(*output) ? Driver::kDisplayAttached : 0) |
+                                    (Intel::Active(*output) ? Driver::kDisplayActive : 0);
+    Give(properties, passed);
+    call.Add("flags", properties.DisplayConfigFlags);
+    return Result(Driver::kSuccess);
+}
+
+// What a native AUX request must hold before it reaches the panel; empty when it is fine.
+std::pair<uint32_t, std::string> CheckAux(const Driver::AuxAccessArgs& args)
+{
+    if (args.OpType != Driver::kAuxRead && args.OpType != Driver::kAuxWrite) {
+        return {Driver::kInvalidArgument, "OpType " + std::to_string(args.OpType) + " is neither read nor write"};
+    }
+    constexpr uint32_t known = Driver::kAuxNative | Driver::kAuxI2c | Driver::kAuxI2cMot;
+    if ((args.Flags & ~known) != 0 || args.Flags == 0 ||
+        ((args.Flags & Driver::kAuxNative) != 0 && args.Flags != Driver::kAuxNative) ||
+        args.Flags == Driver::kAuxI2cMot) {
+        return {Driver::kInvalidArgument, "Flags " + Hex(args.Flags) + " name no one AUX channel"};
+    }
+    // Only the native AUX channel reaches the panel's DPCD registers.
+    if (args.Flags != Driver::kAuxNative) {
+        return {Driver::kUnsupportedFeature, "Flags " + Hex(args.Flags) + ": I2C over AUX is not supported"};
+    }
+    // The panel sits on the port itself: no branch device to address, no other port.
+    if (args.RAD != 0) {
+        return {Driver::kInvalidArgument, "RAD " + Hex(args.RAD) + " is not zero"};
+    }
+    if (args.PortID != 0) {
+        return {Driver::kInvalidArgument, "PortID " + std::to_string(args.PortID) + " is not zero"};
+    }
+    if (args.DataSize == 0 || args.DataSize > Driver::kAuxMaxData) {
+        return {Driver::kInvalidArgument, "DataSize " + std::to_string(args.DataSize) + " is not 1 to " +
+                                              std::to_string(Driver::kAuxMaxData)};
+    }
+    if (args.Address >= Driver::kDpcdSpace || Driver::kDpcdSpace - args.Address < args.DataSize) {
+        return {Driver::kInvalidArgument, "Address " + Hex(args.Address) + " with " + std::to_string(args.DataSize) +
+                                              " bytes leaves the DPCD space"};
+    }
+    if (args.OpType == Driver::kAuxWrite) {
+        if (const auto unused = FirstNonZero(args.Data, args.DataSize)) {
+            return {Driver::kInvalidArgument, "Data[" + std::to_string(*unused) + "] beyond DataSize is not zero"};
+        }
+    }
+    return {Driver::kSuccess, {}};
 }
 
 ctl_result_t Act(Tag<Fn::ctlAUXAccess>, Call& call, Document& state, ctl_display_output_handle_t display,
-                 ctl_aux_access_args_t* args)
+                 ctl_aux_access_args_t* passed)
 {
-    const auto [output, error] = Target(state, display, args);
+    Driver::AuxAccessArgs args{};
+    const auto [output, error] = Target(call, state, display, passed, args);
     if (output == nullptr) {
         return error;
     }
-    const bool write = args->OpType == CTL_OPERATION_TYPE_WRITE;
-    call.Add("op", args->OpType == CTL_OPERATION_TYPE_READ ? "read" : write ? "write" : "other");
-    call.Add("flags", args->Flags);
-    call.Add("address", args->Address);
-    call.Add("size", args->DataSize);
-    if ((args->OpType != CTL_OPERATION_TYPE_READ && !write) || args->DataSize > CTL_AUX_MAX_DATA_SIZE) {
-        return CTL_RESULT_ERROR_INVALID_ARGUMENT;
-    }
-    // Only the native AUX channel reaches the panel's DPCD registers.
-    if ((args->Flags & CTL_AUX_FLAG_NATIVE_AUX) == 0) {
-        return CTL_RESULT_ERROR_UNSUPPORTED_FEATURE;
+    const bool write = args.OpType == Driver::kAuxWrite;
+    call.Add("op", args.OpType == Driver::kAuxRead ? "read" : write ? "write" : "other");
+    call.Add("flags", args.Flags);
+    call.Add("address", args.Address);
+    call.Add("size", args.DataSize);
+    if (const auto [code, reason] = CheckAux(args); code != Driver::kSuccess) {
+        return call.Refuse(code, reason);
     }
     Intel::RegisterFile registers = Intel::Registers(*output);
-    for (uint32_t i = 0; i < args->DataSize; ++i) {
-        const uint32_t address = args->Address + i;
+    for (uint32_t i = 0; i < args.DataSize; ++i) {
+        const uint32_t address = args.Address + i;
         if (write) {
-            registers[address] = args->Data[i];
+            registers[address] = args.Data[i];
         } else {
             const auto found = registers.find(address);
-            args->Data[i] = found != registers.end() ? found->second : 0;
+            args.Data[i] = found != registers.end() ? found->second : 0;
         }
     }
     if (write) {
         Intel::StoreRegisters(state, *output, registers);
+    } else {
+        Give(args, passed);
     }
-    call.Add("data", LumavenSim::BytesToHex(args->Data, args->DataSize));
-    return CTL_RESULT_SUCCESS;
+    call.Add("data", LumavenSim::BytesToHex(args.Data, args.DataSize));
+    return Result(Driver::kSuccess);
 }
 
 ctl_result_t Act(Tag<Fn::ctlGetPowerOptimizationCaps>, Call& call, Document& state,
-                 ctl_display_output_handle_t display, ctl_power_optimization_caps_t* caps)
+                 ctl_display_output_handle_t display, ctl_power_optimization_caps_t* passed)
 {
-    const auto [output, error] = Target(state, display, caps);
+    Driver::PowerCaps caps{};
+    const auto [output, error] = Target(call, state, display, passed, caps);
     if (output == nullptr) {
         return error;
     }
-    caps->SupportedFeatures = Intel::DpstSupported(*output) ? CTL_POWER_OPTIMIZATION_FLAG_DPST : 0;
-    call.Add("supported", caps->SupportedFeatures);
-    return CTL_RESULT_SUCCESS;
+    caps.SupportedFeatures = Intel::DpstSupported(*output) ? Driver::kFeatureDpst : 0;
+    Give(caps, passed);
+    call.Add("supported", caps.SupportedFeatures);
+    return Result(Driver::kSuccess);
 }
 
-// Only DPST is modelled; asking a panel without it, or for another feature, is unsupported.
-ctl_result_t CheckDpst(Call& call, const rapidjson::Value& output, const ctl_power_optimization_settings_t& settings)
+// The plan, the feature and the power source of a settings record: each must be one the
+// driver knows. Only DPST is modelled; asking a panel without it, or for another feature, is
+// unsupported.
+ctl_result_t CheckSettings(Call& call, const rapidjson::Value& output, const Driver::PowerSettings& settings)
 {
     call.Add("feature", settings.PowerOptimizationFeature);
-    return settings.PowerOptimizationFeature == CTL_POWER_OPTIMIZATION_FLAG_DPST && Intel::DpstSupported(output)
-               ? CTL_RESULT_SUCCESS
-               : CTL_RESULT_ERROR_UNSUPPORTED_FEATURE;
+    if (settings.PowerOptimizationPlan > Driver::kPlanPowerSaver) {
+        return call.Refuse(Driver::kInvalidArgument,
+                           "PowerOptimizationPlan " + std::to_string(settings.PowerOptimizationPlan) + " is unknown");
+    }
+    const uint32_t feature = settings.PowerOptimizationFeature;
+    if (feature < Driver::kFeatureFbc || feature > Driver::kFeatureLace || (feature & (feature - 1)) != 0) {
+        return call.Refuse(Driver::kInvalidArgument, "PowerOptimizationFeature " + Hex(feature) +
+                                                         " is not one known feature");
+    }
+    if (settings.PowerSource > Driver::kPowerSourceDc) {
+        return call.Refuse(Driver::kInvalidArgument,
+                           "PowerSource " + std::to_string(settings.PowerSource) + " is neither AC nor DC");
+    }
+    if (feature != Driver::kFeatureDpst) {
+        return call.Refuse(Driver::kUnsupportedFeature, "only DPST is implemented");
+    }
+    if (!Intel::DpstSupported(output)) {
+        return call.Refuse(Driver::kUnsupportedFeature, "the panel has no DPST");
+    }
+    return Result(Driver::kSuccess);
 }
 
 ctl_result_t Act(Tag<Fn::ctlGetPowerOptimizationSetting>, Call& call, Document& state,
-                 ctl_display_output_handle_t display, ctl_power_optimization_settings_t* settings)
+                 ctl_display_output_handle_t display, ctl_power_optimization_settings_t* passed)
 {
-    const auto [output, error] = Target(state, display, settings);
+    Driver::PowerSettings settings{};
+    const auto [output, error] = Target(call, state, display, passed, settings);
     if (output == nullptr) {
         return error;
     }
-    if (const ctl_result_t unsupported = CheckDpst(call, *output, *settings)) {
-        return unsupported;
+    if (const ctl_result_t refused = CheckSettings(call, *output, settings)) {
+        return refused;
     }
-    ctl_power_optimization_dpst_t& dpst = settings->FeatureSpecificData.DPSTInfo;
+    Driver::DpstInfo& dpst = settings.FeatureSpecificData.DPSTInfo;
     dpst.SupportedFeatures = Intel::DpstSupportedFeatures(*output);
     dpst.EnabledFeatures = Intel::DpstEnabledFeatures(*output);
-    settings->Enable = dpst.EnabledFeatures != 0;
-    call.Add("enable", settings->Enable);
+    settings.Enable = dpst.EnabledFeatures != 0 ? 1 : 0;
+    Give(settings, passed);
+    call.Add("enable", settings.Enable != 0);
     call.Add("supportedFeatures", dpst.SupportedFeatures);
     call.Add("enabledFeatures", dpst.EnabledFeatures);
-    return CTL_RESULT_SUCCESS;
+    return Result(Driver::kSuccess);
 }
 
 // Switches the requested DPST sub-features on or off, leaving the others as they are.
 ctl_result_t Act(Tag<Fn::ctlSetPowerOptimizationSetting>, Call& call, Document& state,
-                 ctl_display_output_handle_t display, ctl_power_optimization_settings_t* settings)
+                 ctl_display_output_handle_t display, ctl_power_optimization_settings_t* passed)
 {
-    const auto [output, error] = Target(state, display, settings);
+    Driver::PowerSettings settings{};
+    const auto [output, error] = Target(call, state, display, passed, settings);
     if (output == nullptr) {
         return error;
     }
-    const uint32_t requested = settings->FeatureSpecificData.DPSTInfo.EnabledFeatures;
-    call.Add("enable", settings->Enable);
+    const uint32_t requested = settings.FeatureSpecificData.DPSTInfo.EnabledFeatures;
+    call.Add("enable", settings.Enable != 0);
     call.Add("features", requested);
-    if (const ctl_result_t unsupported = CheckDpst(call, *output, *settings)) {
-        return unsupported;
+    if (settings.Enable > 1) {
+        return call.Refuse(Driver::kInvalidArgument, "Enable " + std::to_string(settings.Enable) + " is not a bool");
+    }
+    if (const ctl_result_t refused = CheckSettings(call, *output, settings)) {
+        return refused;
+    }
+    // The union's bytes past the DPST record belong to no field of it.
+    if (const auto unused = FirstNonZero(settings.FeatureSpecificData.Bytes, sizeof(Driver::DpstInfo))) {
+        return call.Refuse(Driver::kInvalidArgument,
+                           "FeatureSpecificData byte " + std::to_string(*unused) + " past the DPST record is not zero");
+    }
+    if ((requested & ~Driver::kKnownDpstFeatures) != 0) {
+        return call.Refuse(Driver::kInvalidArgument, "EnabledFeatures " + Hex(requested) + " has unknown bits");
     }
     if ((requested & ~Intel::DpstSupportedFeatures(*output)) != 0) {
-        return CTL_RESULT_ERROR_UNSUPPORTED_FEATURE;
+        return call.Refuse(Driver::kUnsupportedFeature, "EnabledFeatures " + Hex(requested) +
+                                                            " asks for what the panel does not support");
     }
     const uint32_t enabled = Intel::DpstEnabledFeatures(*output);
-    Intel::SetDpstEnabledFeatures(state, *output, settings->Enable ? enabled | requested : enabled & ~requested);
+    Intel::SetDpstEnabledFeatures(state, *output, settings.Enable != 0 ? enabled | requested : enabled & ~requested);
     call.Add("opst", (Intel::DpstEnabledFeatures(*output) & Intel::kOpst) != 0);
-    return CTL_RESULT_SUCCESS;
+    return Result(Driver::kSuccess);
 }
 
 // One call: count it, answer an injected fault or act, record it.
@@ -394,7 +566,7 @@ ctl_result_t Serve(const char* function, Args... args)
 {
     Call call(function);
     (Encode(call, args), ...);
-    ctl_result_t result = CTL_RESULT_SUCCESS;
+    ctl_result_t result = Result(Driver::kSuccess);
     LumavenSim::WithState([&](Document& state) {
         const std::optional<int64_t> fault = LumavenSim::TakeFault(state, function);
         result = fault ? static_cast<ctl_result_t>(*fault) : Act(Tag<id>{}, call, state, args...);

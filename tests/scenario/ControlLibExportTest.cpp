@@ -2,7 +2,7 @@
 // looked up by name in the module, each forwarder reaches the simulated driver with its
 // arguments unchanged and hands back the driver's own answer.
 #include "ControlLibProof.h"
-#include "PeExports.h"
+#include "PeFile.h"
 #include "SimMachine.h"
 
 #include <gtest/gtest.h>

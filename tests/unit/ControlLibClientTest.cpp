@@ -99,8 +99,10 @@ TEST_F(ControlLibClient, RuntimePathSkipsTheVersionCheckAndLoadsTheNamedLibrary)
     ASSERT_EQ(ctlSetRuntimePath(&runtime), CTL_RESULT_SUCCESS);
     EXPECT_EQ(runtimePathArgs, &runtime);
 
+    // Loaded all the same; the version is the library's business, and this one implements
+    // API 1 only.
     ctl_api_handle_t api = nullptr;
-    EXPECT_EQ(Init(&api, 0x00020000), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(Init(&api, 0x00020000), CTL_RESULT_ERROR_UNSUPPORTED_VERSION);
     ASSERT_NE(controlLibModule, nullptr);
     EXPECT_TRUE(SameFile(ModulePath(controlLibModule), path));
 
@@ -112,7 +114,9 @@ TEST_F(ControlLibClient, RuntimePathSkipsTheVersionCheckAndLoadsTheNamedLibrary)
     EXPECT_EQ(std::string(records[0]["path"].GetString()), std::string(path.begin(), path.end()));
     EXPECT_STREQ(records[1]["call"].GetString(), "ctlInit");
     EXPECT_EQ(records[1]["appVersion"].GetUint(), 0x00020000u);
+    EXPECT_TRUE(records[1].HasMember("refused"));
 
+    ASSERT_EQ(Init(&api), CTL_RESULT_SUCCESS);
     EXPECT_EQ(ctlClose(api), CTL_RESULT_SUCCESS);
     EXPECT_EQ(runtimePathArgs, nullptr);
     EXPECT_EQ(controlLibModule, nullptr);

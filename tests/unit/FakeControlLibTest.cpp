@@ -2,8 +2,8 @@
 // adapters and outputs of the profile, the panels' DPCD registers behind AUX, the DPST/OPST
 // state, injected faults, load counters, its export tables and how the installer places and
 // shows it.
-#include "ControlLibFixture.h"
 #include "ControlLibProof.h"
+#include "FakeControlLibFixture.h"
 #include "PeFile.h"
 #include "ProcessRunner.h"
 
@@ -15,102 +15,9 @@
 #include <set>
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
-using LumavenTest::ControlLibTest;
+using LumavenTest::FakeControlLib;
+using LumavenTest::kTwoAdapters;
 namespace Intel = LumavenSim::Intel;
-
-namespace {
-
-// Adapter 0 has no outputs; adapter 1 has an attached panel with OPST and a detached output
-// whose panel lacks it.
-constexpr char kTwoAdapters[] = R"({"adapters":[
-    {"outputs":[]},
-    {"outputs":[
-        {"attached":true,"dpcd":{"404B":"7C84CC"},"dpstSupported":true,"opstSupported":true,"dpstEnabled":0},
-        {"attached":false,"dpstSupported":true,"opstSupported":false}]}]})";
-
-class FakeControlLib : public ControlLibTest {
-protected:
-    // Installs the machine and opens a session on it.
-    void Open(const std::string& intel = kTwoAdapters, const std::string& faults = "[]")
-    {
-        InstallIntel("ControlLib.dll", intel, faults);
-        ASSERT_EQ(Init(&m_api), CTL_RESULT_SUCCESS);
-        ASSERT_NE(m_api, nullptr);
-    }
-
-    std::vector<ctl_device_adapter_handle_t> Devices()
-    {
-        uint32_t count = 0;
-        EXPECT_EQ(ctlEnumerateDevices(m_api, &count, nullptr), CTL_RESULT_SUCCESS);
-        std::vector<ctl_device_adapter_handle_t> devices(count);
-        EXPECT_EQ(ctlEnumerateDevices(m_api, &count, devices.data()), CTL_RESULT_SUCCESS);
-        devices.resize(count);
-        return devices;
-    }
-
-    std::vector<ctl_display_output_handle_t> Outputs(ctl_device_adapter_handle_t device)
-    {
-        uint32_t count = 0;
-        EXPECT_EQ(ctlEnumerateDisplayOutputs(device, &count, nullptr), CTL_RESULT_SUCCESS);
-        std::vector<ctl_display_output_handle_t> outputs(count);
-        if (count > 0) {
-            EXPECT_EQ(ctlEnumerateDisplayOutputs(device, &count, outputs.data()), CTL_RESULT_SUCCESS);
-        }
-        outputs.resize(count);
-        return outputs;
-    }
-
-    // The attached panel's output (adapter 1, output 0) and the detached one (output 1).
-    ctl_display_output_handle_t Panel(size_t output = 0)
-    {
-        const auto outputs = Outputs(Devices().at(1));
-        return outputs.at(output);
-    }
-
-    static ctl_aux_access_args_t Aux(ctl_operation_type_t op, uint32_t address, std::vector<uint8_t> data)
-    {
-        ctl_aux_access_args_t args{};
-        args.Size = sizeof args;
-        args.OpType = op;
-        args.Flags = CTL_AUX_FLAG_NATIVE_AUX;
-        args.Address = address;
-        args.DataSize = static_cast<uint32_t>(data.size());
-        std::copy(data.begin(), data.end(), args.Data);
-        return args;
-    }
-
-    static ctl_power_optimization_settings_t Dpst(bool enable = false, uint32_t features = 0)
-    {
-        ctl_power_optimization_settings_t settings{};
-        settings.Size = sizeof settings;
-        settings.PowerOptimizationFeature = CTL_POWER_OPTIMIZATION_FLAG_DPST;
-        settings.Enable = enable;
-        settings.FeatureSpecificData.DPSTInfo.EnabledFeatures = features;
-        settings.PowerSource = CTL_POWER_SOURCE_DC;
-        return settings;
-    }
-
-    static std::string Last(const std::string& function, const char* member)
-    {
-        const auto calls = Calls(function);
-        if (calls.empty() || !calls.back().HasMember(member)) {
-            return "(none)";
-        }
-        const rapidjson::Value& value = calls.back()[member];
-        return value.IsString() ? value.GetString() : value.IsBool() ? (value.GetBool() ? "true" : "false")
-                                                                     : std::to_string(value.GetUint64());
-    }
-
-    static std::string ReadFile(const std::wstring& path)
-    {
-        std::ifstream in(path.c_str(), std::ios::binary);
-        return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    }
-
-    ctl_api_handle_t m_api = nullptr;
-};
-
-}  // namespace
 
 TEST_F(FakeControlLib, EnumerationReportsTheCountThenFillsAtMostThatMany)
 {
@@ -169,6 +76,7 @@ TEST_F(FakeControlLib, DisplayPropertiesSayWhetherTheOutputIsAttached)
     EXPECT_EQ(properties.DisplayConfigFlags,
               CTL_DISPLAY_CONFIG_FLAG_DISPLAY_ATTACHED | CTL_DISPLAY_CONFIG_FLAG_DISPLAY_ACTIVE);
     properties = {};
+    properties.Size = sizeof properties;
     ASSERT_EQ(ctlGetDisplayProperties(Panel(1), &properties), CTL_RESULT_SUCCESS);
     EXPECT_EQ(properties.DisplayConfigFlags, 0u);
     const auto calls = Calls("ctlGetDisplayProperties");
@@ -294,6 +202,7 @@ TEST_F(FakeControlLib, APanelWithoutDpstReportsNoCapability)
     const auto outputs = Outputs(Devices().at(0));
     ASSERT_EQ(outputs.size(), 1u);
     ctl_power_optimization_caps_t caps{};
+    caps.Size = sizeof caps;
     caps.SupportedFeatures = 0xFF;
     ASSERT_EQ(ctlGetPowerOptimizationCaps(outputs[0], &caps), CTL_RESULT_SUCCESS);
     EXPECT_EQ(caps.SupportedFeatures, 0u);

@@ -2,9 +2,10 @@
 # Installs the Debian packages the build and the tests need, when any is missing.
 # Safe to run again: it does nothing when everything is there.
 set -e
-# clang-22 and lld-22: the second compiler (the clang preset); clang-tidy-14: scripts/tidy.sh.
+# clang-22 and lld-22: the second compiler (the clang preset); clang-tidy-14: scripts/tidy.sh;
+# clang-format-14: scripts/format.sh, pinned because each release lays code out differently.
 packages="g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 cmake ninja-build rapidjson-dev googletest
-          clang-22 lld-22 clang-tidy-14"
+          clang-22 lld-22 clang-tidy-14 clang-format-14"
 missing=""
 for package in $packages; do
   if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then

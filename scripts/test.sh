@@ -2,9 +2,10 @@
 # The README's test command and CI's (.ci/run): builds everything with both compilers, GCC
 # into build/ and Clang with LLD into build-clang/, with warnings as errors; runs every suite
 # under Wine against each build; runs the mixed pair (scripts/mixed-pair.sh: each compiler's
-# host with the other's service) and clang-tidy (scripts/tidy.sh). A stage whose build failed
-# skips its suites; every other stage runs even after a failure. Ends with each stage's result
-# and time and one line PASS or FAIL; the exit code is non-zero on any failure.
+# host with the other's service), clang-tidy (scripts/tidy.sh) and the format check
+# (scripts/format.sh --check). A stage whose build failed skips its suites; every other stage
+# runs even after a failure. Ends with each stage's result and time and one line PASS or FAIL;
+# the exit code is non-zero on any failure.
 #
 #   scripts/test.sh [CTest arguments...]   passed to both builds' CTest runs, e.g. -R unit_tests
 set -u
@@ -51,14 +52,14 @@ fi
 stage "mixed pair" scripts/mixed-pair.sh
 stage "clang-tidy" scripts/tidy.sh
 
-# ---- format check: its stage goes here ----
+stage "format" scripts/format.sh --check
 
 echo
 echo "test.sh: stages"
 printf '%s' "$summary"
 total=$(($(date +%s) - begin))
 if [ -z "$failed" ]; then
-  echo "test.sh: PASS: both compilers, every suite, the mixed pair and clang-tidy ($total s)"
+  echo "test.sh: PASS: both compilers, every suite, the mixed pair, clang-tidy and the format ($total s)"
   exit 0
 fi
 echo "test.sh: FAIL:${failed#,} ($total s)"

@@ -268,6 +268,9 @@ const char kAdlStopped[] = "-amdadlx64.dll";
 const char kAdlxLoadedAdlUnloaded[] = "+amdadlx64.dll -atiadlxx.dll";
 const char kAdlxUnloadedAdlUnloaded[] = "-amdadlx64.dll -atiadlxx.dll";
 
+// The rows below stay as written, a few fields a line in the order of the legend: formatted one
+// field a line, the table would no longer read as one.
+// clang-format off
 // ---- The rows ------------------------------------------------------------------------------------
 // point, machine, drivers, faults, arrange, "OLED" before, action,
 //   status, response, log lines, "OLED" after, vendor calls, panel, libraries loaded
@@ -1480,6 +1483,8 @@ std::vector<FaultRow> FurtherRows()
          kOk, kTrue, {}, Oled::Zero, "FullVer Ver XInit! Services Displays! VB IsSup", "VB=0", "+amdadlx64.dll"},
     };
 }
+
+// clang-format on
 
 std::vector<FaultRow> Rows()
 {

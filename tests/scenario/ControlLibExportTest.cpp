@@ -28,6 +28,8 @@ using Module = std::unique_ptr<std::remove_pointer_t<HMODULE>, ModuleFreer>;
 // The control library's entry points as its callers know them, kept apart from the table the
 // service generates its exports from, so that a name lost or changed there shows here: the
 // three that load, unload and point at the library, then by the arguments they pass on.
+// Grouped by shape, several names a line: one name a line would hide the groups.
+// clang-format off
 constexpr const char* kControlLibraryNames[] = {
     "ctlInit", "ctlClose", "ctlSetRuntimePath",
     // a handle; a handle and a 32-bit value; a handle and a double; a handle and a structure
@@ -61,6 +63,7 @@ constexpr const char* kControlLibraryNames[] = {
     "ctlPowerGetProperties", "ctlPowerGetEnergyCounter", "ctlPowerGetLimits", "ctlPowerSetLimits",
     "ctlTemperatureGetProperties", "ctlTemperatureGetState",
 };
+// clang-format on
 
 template <class Function>
 Function Export(HMODULE module, const char* name)

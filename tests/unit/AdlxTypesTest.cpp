@@ -15,6 +15,9 @@ namespace {
 
 std::string g_called;
 
+// Each probe method is one line whose body is a macro; clang-format cannot see the body and
+// would run the methods together, so the probes keep their hand layout.
+// clang-format off
 #define LUMAVEN_PROBE(name)  \
     {                        \
         g_called = #name;    \
@@ -114,6 +117,7 @@ public:
 
 #undef LUMAVEN_PROBE_INTERFACE
 #undef LUMAVEN_PROBE
+// clang-format on
 
 // Calls slot `slot` of the object's vtable the way a foreign caller does: the object as the
 // first argument, the rest in registers. Every probe method ignores its arguments.

@@ -29,17 +29,15 @@ struct AdlEntryPoints {
     explicit AdlEntryPoints(HMODULE module)
         : edid(ResolveProc<Adl::ADL2_DISPLAY_EDIDDATA_GET>(module, "ADL2_Display_EdidData_Get")),
           create(ResolveProc<Adl::ADL2_MAIN_CONTROL_CREATE>(module, "ADL2_Main_Control_Create")),
-          adapterCount(ResolveProc<Adl::ADL2_ADAPTER_NUMBEROFADAPTERS_GET>(module, "ADL2_Adapter_NumberOfAdapters_Get")),
+          adapterCount(
+              ResolveProc<Adl::ADL2_ADAPTER_NUMBEROFADAPTERS_GET>(module, "ADL2_Adapter_NumberOfAdapters_Get")),
           adapterInfo(ResolveProc<Adl::ADL2_ADAPTER_ADAPTERINFO_GET>(module, "ADL2_Adapter_AdapterInfo_Get")),
           displayInfo(ResolveProc<Adl::ADL2_DISPLAY_DISPLAYINFO_GET>(module, "ADL2_Display_DisplayInfo_Get")),
           destroy(ResolveProc<Adl::ADL2_MAIN_CONTROL_DESTROY>(module, "ADL2_Main_Control_Destroy")),
           aux(ResolveProc<Adl::ADL2_DISPLAY_NATIVEAUXCHANNEL_ACCESS>(module, "ADL2_Display_NativeAUXChannel_Access"))
     {
     }
-    bool Complete() const
-    {
-        return edid && create && adapterCount && adapterInfo && displayInfo && destroy && aux;
-    }
+    bool Complete() const { return edid && create && adapterCount && adapterInfo && displayInfo && destroy && aux; }
 
     Adl::ADL2_DISPLAY_EDIDDATA_GET edid;
     Adl::ADL2_MAIN_CONTROL_CREATE create;
@@ -93,7 +91,8 @@ bool WriteToPanel(const AdlEntryPoints& adl, Adl::ADL_CONTEXT_HANDLE context, Pa
             for (int j = 0; j < displayCount; ++j) {
                 const Adl::ADLDisplayInfo& display = displays[j];
                 if ((display.iDisplayInfoValue & Adl::ADL_DISPLAY_DISPLAYINFO_DISPLAYMAPPED) != 0 &&
-                    display.displayID.iDisplayLogicalAdapterIndex == adapterIndex && PanelAt(adl, context, i, j) == panel) {
+                    display.displayID.iDisplayLogicalAdapterIndex == adapterIndex &&
+                    PanelAt(adl, context, i, j) == panel) {
                     SendWrites(adl, context, writes);
                     matched = true;
                 }

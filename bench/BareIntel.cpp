@@ -75,7 +75,8 @@ ctl_power_optimization_settings_t DpstSettings(const ControlLibrary& library, ct
     settings.PowerOptimizationFeature = kDpst;
     settings.PowerSource = CTL_POWER_SOURCE_DC;
     CTL_CALL(library, ctlGetPowerOptimizationSetting, display, &settings);
-    supported = (caps.SupportedFeatures & kDpst) != 0 && (settings.FeatureSpecificData.DPSTInfo.SupportedFeatures & kOpst) != 0;
+    supported =
+        (caps.SupportedFeatures & kDpst) != 0 && (settings.FeatureSpecificData.DPSTInfo.SupportedFeatures & kOpst) != 0;
     return settings;
 }
 
@@ -118,8 +119,7 @@ bool WritePanelSequence(const ControlLibrary& library, ctl_display_output_handle
     return std::equal(writes.front().data.begin(), writes.front().data.end(), readBack.Data);
 }
 
-bool RunMode(const ControlLibrary& library, ctl_display_output_handle_t display, uint32_t mode,
-             const AuxDataMap& table)
+bool RunMode(const ControlLibrary& library, ctl_display_output_handle_t display, uint32_t mode, const AuxDataMap& table)
 {
     bool supported = false;
     switch (mode) {

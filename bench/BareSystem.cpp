@@ -161,8 +161,8 @@ std::vector<std::wstring> VideoControllerNames()
     std::vector<std::wstring> names;
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     // Only the first call in a process sets the security; the service makes it every time.
-    CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT, RPC_C_IMP_LEVEL_IMPERSONATE,
-                         nullptr, EOAC_NONE, nullptr);
+    CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr,
+                         EOAC_NONE, nullptr);
     {
         ComPtr<IWbemLocator> locator;
         ComPtr<IWbemServices> services;

@@ -19,9 +19,7 @@ Vendor VendorOf(const std::vector<std::wstring>& names)
 }
 
 CommandFloors::CommandFloors()
-    : m_vendor(VendorOf(VideoControllerNames())),
-      m_table(BuildAuxDataMap()),
-      m_panel(FittedPanel(m_table)),
+    : m_vendor(VendorOf(VideoControllerNames())), m_table(BuildAuxDataMap()), m_panel(FittedPanel(m_table)),
       m_controlLibrary(ControlLibraryPresent())
 {
 }
@@ -29,7 +27,12 @@ CommandFloors::CommandFloors()
 bool CommandFloors::Command(uint32_t command, bool on)
 {
     switch (command) {
-    case 1: case 2: case 3: case 5: case 6: case 8: return Intel(command);
+    case 1:
+    case 2:
+    case 3:
+    case 5:
+    case 6:
+    case 8: return Intel(command);
     case 4: MonitorPanelIds(); return true;
     case 7: ReadOled(); return true;
     case 9: return Elp(on);
@@ -47,13 +50,21 @@ std::string CommandFloors::Text(uint32_t command, bool on) const
 {
     const bool intel = m_vendor == Vendor::Intel;
     switch (command) {
-    case 1: case 2: case 3: case 5: case 6: case 8: return IntelText(command);
+    case 1:
+    case 2:
+    case 3:
+    case 5:
+    case 6:
+    case 8: return IntelText(command);
     case 4: return "EDID walk";
     case 7: return "reg read";
     case 9: return intel ? IntelText(on ? 5 : 6) : "ADL load + AUX write + reg write";
     case 10: return intel ? IntelText(8) + " + EDID walk" : "ADLX re-init + IsSupported";
-    case 11: return intel ? "2 ctl sessions: OPST on, AUX on + reg writes" : "ADLX re-init + VariBright on, battery + ADL AUX";
-    case 12: return intel ? "2 ctl sessions: OPST off, AUX off + reg writes" : "ADLX re-init + VariBright off + ADL AUX";
+    case 11:
+        return intel ? "2 ctl sessions: OPST on, AUX on + reg writes"
+                     : "ADLX re-init + VariBright on, battery + ADL AUX";
+    case 12:
+        return intel ? "2 ctl sessions: OPST off, AUX off + reg writes" : "ADLX re-init + VariBright off + ADL AUX";
     case 13: return m_adlx.Loaded() ? "GetVariBright + IsSupported" : "(no vendor call)";
     case 14: return m_adlx.Loaded() ? "GetVariBright + SetEnabled" : "(no vendor call)";
     default: return "(nothing)";
@@ -83,8 +94,8 @@ bool CommandFloors::Intel(uint32_t mode)
 
 std::string CommandFloors::IntelText(uint32_t mode) const
 {
-    static const char* const kModeWork[] = {"", "OPST query", "OPST on", "OPST off", "", "EDID walk + AUX on",
-                                            "EDID walk + AUX off", "", "OPST probe"};
+    static const char* const kModeWork[] = {
+        "", "OPST query", "OPST on", "OPST off", "", "EDID walk + AUX on", "EDID walk + AUX off", "", "OPST probe"};
     if (!m_controlLibrary) {
         return mode == 6 ? "reg write + ControlLib.dll load (absent)" : "ControlLib.dll load (absent)";
     }

@@ -42,8 +42,14 @@ void AppendUtf8(std::string& out, char32_t cp)
     }
 }
 
-bool IsHighSurrogate(unsigned u) { return u >= 0xD800 && u <= 0xDBFF; }
-bool IsLowSurrogate(unsigned u) { return u >= 0xDC00 && u <= 0xDFFF; }
+bool IsHighSurrogate(unsigned u)
+{
+    return u >= 0xD800 && u <= 0xDBFF;
+}
+bool IsLowSurrogate(unsigned u)
+{
+    return u >= 0xDC00 && u <= 0xDFFF;
+}
 
 // UTF-16 text as a JSON string body in UTF-8. A lone surrogate cannot be UTF-8, so it is
 // kept as a \u escape: the line stays valid JSON and the text loses nothing.
@@ -78,8 +84,7 @@ void AppendNarrowString(std::string& out, const std::string& text)
 
 }  // namespace
 
-std::string JsonLine(Level level, const std::string& provider, uint64_t context,
-                     const std::wstring& text)
+std::string JsonLine(Level level, const std::string& provider, uint64_t context, const std::wstring& text)
 {
     std::string line = "{\"level\":\"";
     line += LevelName(level);

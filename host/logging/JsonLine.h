@@ -7,7 +7,6 @@
 
 namespace Xelto::Logging {
 
-std::string JsonLine(Level level, const std::string& provider, uint64_t context,
-                     const std::wstring& text);
+std::string JsonLine(Level level, const std::string& provider, uint64_t context, const std::wstring& text);
 
 }  // namespace Xelto::Logging

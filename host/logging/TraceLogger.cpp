@@ -12,18 +12,18 @@ using Xelto::Logging::RenderWide;
 
 // Rendering can only fail by running out of memory; a logger never throws into its caller,
 // so such a record is dropped. A record nobody would receive is not rendered at all.
-#define XELTO_RENDER_AND_PUBLISH(level, context, render, format)                         \
-    do {                                                                                 \
-        if (!Xelto::Logging::AnyoneListening()) {                                        \
-            break;                                                                       \
-        }                                                                                \
-        va_list args;                                                                    \
-        va_start(args, format);                                                          \
-        try {                                                                            \
-            Publish(level, context, render);                                             \
-        } catch (...) {                                                                  \
-        }                                                                                \
-        va_end(args);                                                                    \
+#define XELTO_RENDER_AND_PUBLISH(level, context, render, format) \
+    do {                                                         \
+        if (!Xelto::Logging::AnyoneListening()) {                \
+            break;                                               \
+        }                                                        \
+        va_list args;                                            \
+        va_start(args, format);                                  \
+        try {                                                    \
+            Publish(level, context, render);                     \
+        } catch (...) {                                          \
+        }                                                        \
+        va_end(args);                                            \
     } while (0)
 
 void TraceLogger::LogInfo(const wchar_t* fmt, ...)

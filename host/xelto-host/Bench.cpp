@@ -114,8 +114,9 @@ void Measure(const Row& row, unsigned rounds)
 // The two lines every display-power event writes on entry.
 void EventEntryLines()
 {
-    LogManager::GetLogger()->LogInfo(
-        L"%S::PEXelto::%S", "Xelto::Spanlet::Server::Services::Lumaven::LumavenService::oled_power_event_task", "Enter");
+    LogManager::GetLogger()->LogInfo(L"%S::PEXelto::%S",
+                                     "Xelto::Spanlet::Server::Services::Lumaven::LumavenService::oled_power_event_task",
+                                     "Enter");
     LogManager::GetLogger()->LogInfo(L"LumavenService - OledEventCalled entered");
 }
 
@@ -149,8 +150,7 @@ int RunBench(ServiceHost& host, unsigned rounds, const std::wstring& only)
         const char* name = command == kUnsupportedCommand ? "(unsupported)" : CommandName(command);
         return Row{std::to_string(command) + " " + name + (toggles ? (on ? " on" : " off") : ""),
                    "json + " + floors.Text(command, on), execute(command, request),
-                   [&floors, command, request, on] { Json(request, floors.Command(command, on)); },
-                   std::move(reset)};
+                   [&floors, command, request, on] { Json(request, floors.Command(command, on)); }, std::move(reset)};
     };
     const PowerSettingRecord displayOn = MakePowerSetting(PowerEvent::DisplayOn);
     const auto deliverDisplayOn = [&] { service.oled_power_event_task(nullptr, &displayOn.header); };
@@ -203,7 +203,9 @@ int RunBench(ServiceHost& host, unsigned rounds, const std::wstring& only)
             [&floors] { floors.StartUp(); }, nullptr},
     };
 
-    const char* const vendor = floors.vendor() == Vendor::Intel ? "Intel" : floors.vendor() == Vendor::Amd ? "AMD" : "other";
+    const char* const vendor = floors.vendor() == Vendor::Intel ? "Intel"
+                               : floors.vendor() == Vendor::Amd ? "AMD"
+                                                                : "other";
     std::printf("graphics %s, panel 0x%08X; %u rounds; command floors include the JSON work (parse, write, copy)\n",
                 vendor, floors.panel(), rounds);
     std::printf("%-34s %12s   %-48s %12s   %6s\n", "measured", "median", "floor", "median", "ratio");

@@ -24,7 +24,8 @@ std::optional<std::wstring> FileProductVersion(const std::wstring& path)
     };
     Translation* translations = nullptr;
     UINT length = 0;
-    if (!VerQueryValueW(block.data(), L"\\VarFileInfo\\Translation", reinterpret_cast<void**>(&translations), &length) ||
+    if (!VerQueryValueW(block.data(), L"\\VarFileInfo\\Translation", reinterpret_cast<void**>(&translations),
+                        &length) ||
         length < sizeof(Translation)) {
         return std::nullopt;
     }

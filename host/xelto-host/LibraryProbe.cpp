@@ -27,8 +27,7 @@ constexpr LibraryRule kRules[] = {
     {L"amdadlx64.dll",
      LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_USER_DIRS | LOAD_LIBRARY_SEARCH_SYSTEM32 |
          LOAD_LIBRARY_SEARCH_DEFAULT_DIRS,
-     "application folder, user folders (AddDllDirectory), system32",
-     "AMD: VariBright (commands 10, 11, 12, 13, 14)"},
+     "application folder, user folders (AddDllDirectory), system32", "AMD: VariBright (commands 10, 11, 12, 13, 14)"},
 };
 
 }  // namespace
@@ -41,7 +40,8 @@ std::vector<LibraryProbe> ProbeVendorLibraries()
         probe.name = rule.name;
         probe.search = rule.search;
         probe.neededFor = rule.neededFor;
-        const HMODULE module = rule.flags == 0 ? LoadLibraryW(rule.name) : LoadLibraryExW(rule.name, nullptr, rule.flags);
+        const HMODULE module =
+            rule.flags == 0 ? LoadLibraryW(rule.name) : LoadLibraryExW(rule.name, nullptr, rule.flags);
         if (module == nullptr) {
             probe.error = GetLastError();
         } else {

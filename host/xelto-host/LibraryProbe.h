@@ -10,12 +10,12 @@
 namespace XeltoHost {
 
 struct LibraryProbe {
-    const wchar_t* name;   // the file name the service asks for
-    const char* search;    // where the loader looks, in words
-    const char* neededFor; // what the service needs it for
+    const wchar_t* name;    // the file name the service asks for
+    const char* search;     // where the loader looks, in words
+    const char* neededFor;  // what the service needs it for
     bool loaded = false;
-    std::wstring path;     // where it was found, when loaded
-    uint32_t error = 0;    // GetLastError() when not loaded
+    std::wstring path;   // where it was found, when loaded
+    uint32_t error = 0;  // GetLastError() when not loaded
 };
 
 std::vector<LibraryProbe> ProbeVendorLibraries();

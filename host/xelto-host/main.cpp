@@ -27,28 +27,27 @@ constexpr int kExitUnavailable = 3;
 
 void PrintUsage()
 {
-    std::printf(
-        "usage: xelto-host [options] ACTION\n"
-        "actions:\n"
-        "  run COMMAND [REQUEST]   send one command; COMMAND is 1..14 or a handler name\n"
-        "                          (GetOledFromRegistry, _SetVaribright, ...); REQUEST is JSON\n"
-        "                          text or @FILE, default {}\n"
-        "  event EVENT             deliver display-off, display-on, lid-closed or lid-open\n"
-        "  script FILE             run FILE: one 'run ...' or 'event ...' per line, # comments\n"
-        "  create                  only create the service (and run its start-up task)\n"
-        "  report                  field report: the read-only commands (4, 7, 8, 10, 13), the\n"
-        "                          versions, the vendor libraries found, the log; one JSON document\n"
-        "  bench [ROUNDS] [ROW]    time every command, display-power events and the start-up\n"
-        "                          against the bare calls they cannot avoid (default 21 rounds;\n"
-        "                          ROW: only the rows of one command number, event or start-up)\n"
-        "options:\n"
-        "  --dll PATH              the service DLL (default: LumavenService.dll beside this program)\n"
-        "  --no-startup            do not run startup_task after creating the service\n"
-        "  --quiet                 do not print the service's log lines\n"
-        "  --version               the host's version and the version resources of the service DLL\n"
-        "                          and XeltoLog.dll\n"
-        "  --help                  this text\n"
-        "Exit code: 0 when the action ran, 2 for wrong arguments, 3 when the service is unavailable.\n");
+    std::printf("usage: xelto-host [options] ACTION\n"
+                "actions:\n"
+                "  run COMMAND [REQUEST]   send one command; COMMAND is 1..14 or a handler name\n"
+                "                          (GetOledFromRegistry, _SetVaribright, ...); REQUEST is JSON\n"
+                "                          text or @FILE, default {}\n"
+                "  event EVENT             deliver display-off, display-on, lid-closed or lid-open\n"
+                "  script FILE             run FILE: one 'run ...' or 'event ...' per line, # comments\n"
+                "  create                  only create the service (and run its start-up task)\n"
+                "  report                  field report: the read-only commands (4, 7, 8, 10, 13), the\n"
+                "                          versions, the vendor libraries found, the log; one JSON document\n"
+                "  bench [ROUNDS] [ROW]    time every command, display-power events and the start-up\n"
+                "                          against the bare calls they cannot avoid (default 21 rounds;\n"
+                "                          ROW: only the rows of one command number, event or start-up)\n"
+                "options:\n"
+                "  --dll PATH              the service DLL (default: LumavenService.dll beside this program)\n"
+                "  --no-startup            do not run startup_task after creating the service\n"
+                "  --quiet                 do not print the service's log lines\n"
+                "  --version               the host's version and the version resources of the service DLL\n"
+                "                          and XeltoLog.dll\n"
+                "  --help                  this text\n"
+                "Exit code: 0 when the action ran, 2 for wrong arguments, 3 when the service is unavailable.\n");
 }
 
 void PrintLogLine(void*, Xelto::Logging::Level level, const char*, uint64_t, const wchar_t* text)
@@ -242,7 +241,8 @@ int wmain(int argc, wchar_t** argv)
     if (verb == L"script") {
         code = RunScript(host, words[1]);
     } else if (verb == L"bench") {
-        const unsigned rounds = words.size() > 1 ? static_cast<unsigned>(std::wcstoul(words[1].c_str(), nullptr, 10)) : 21;
+        const unsigned rounds =
+            words.size() > 1 ? static_cast<unsigned>(std::wcstoul(words[1].c_str(), nullptr, 10)) : 21;
         code = XeltoHost::RunBench(host, rounds, words.size() > 2 ? words[2] : L"");
     } else if (verb != L"create") {
         code = RunAction(host, verb, words[1], words.size() > 2 ? words[2] : L"");

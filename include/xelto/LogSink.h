@@ -14,8 +14,7 @@ enum class Level : uint32_t { Info = 0, Warning = 1, Error = 2 };
 
 // Receives one rendered record. `provider` is the name last given to SetProvider (UTF-8),
 // `context` the record's context word (0 for formats without a LoggingData record).
-using SinkFunction = void (*)(void* user, Level level, const char* provider, uint64_t context,
-                              const wchar_t* text);
+using SinkFunction = void (*)(void* user, Level level, const char* provider, uint64_t context, const wchar_t* text);
 
 // Installs the in-process sink (null removes it). Safe to call from any thread.
 XELTOLOG_API void SetSink(SinkFunction sink, void* user);

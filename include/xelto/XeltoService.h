@@ -25,8 +25,8 @@ public:
     virtual ~XeltoService() {}
     virtual uint32_t CreateString(const wchar_t* text, wchar_t*** holder) = 0;
     virtual uint32_t ReleaseString(wchar_t*** holder) = 0;
-    virtual uint32_t ExecuteCommand(CallContext* context, uint32_t command, const wchar_t* message,
-                                    wchar_t** outString, CommandCallback callback, uint64_t extra) = 0;
+    virtual uint32_t ExecuteCommand(CallContext* context, uint32_t command, const wchar_t* message, wchar_t** outString,
+                                    CommandCallback callback, uint64_t extra) = 0;
     virtual void FreeBuffer(void* buffer)
     {
         if (buffer != nullptr) {

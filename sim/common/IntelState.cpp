@@ -111,9 +111,18 @@ bool OutputFlag(const rapidjson::Value& output, const char* name, bool fallback)
     return output.HasMember(name) && output[name].IsBool() ? output[name].GetBool() : fallback;
 }
 
-bool Attached(const rapidjson::Value& output) { return OutputFlag(output, "attached", true); }
-bool Active(const rapidjson::Value& output) { return OutputFlag(output, "active", Attached(output)); }
-bool DpstSupported(const rapidjson::Value& output) { return OutputFlag(output, "dpstSupported", true); }
+bool Attached(const rapidjson::Value& output)
+{
+    return OutputFlag(output, "attached", true);
+}
+bool Active(const rapidjson::Value& output)
+{
+    return OutputFlag(output, "active", Attached(output));
+}
+bool DpstSupported(const rapidjson::Value& output)
+{
+    return OutputFlag(output, "dpstSupported", true);
+}
 
 uint32_t DpstSupportedFeatures(const rapidjson::Value& output)
 {
@@ -126,7 +135,10 @@ uint32_t DpstSupportedFeatures(const rapidjson::Value& output)
     return features;
 }
 
-uint32_t DpstEnabledFeatures(const rapidjson::Value& output) { return UintField(output, "dpstEnabled", 0); }
+uint32_t DpstEnabledFeatures(const rapidjson::Value& output)
+{
+    return UintField(output, "dpstEnabled", 0);
+}
 
 void SetDpstEnabledFeatures(rapidjson::Document& state, rapidjson::Value& output, uint32_t features)
 {
@@ -180,7 +192,7 @@ int64_t Counter(const rapidjson::Document& state, const char* name)
 {
     const rapidjson::Value* section = ConstSection(state);
     return section != nullptr && section->HasMember(name) && (*section)[name].IsInt64() ? (*section)[name].GetInt64()
-                                                                                          : 0;
+                                                                                        : 0;
 }
 
 void IncrementCounter(rapidjson::Document& state, const char* name)

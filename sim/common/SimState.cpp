@@ -77,8 +77,14 @@ std::wstring StateDirectory()
     return std::wstring(windows, length) + L"\\LumavenSim";
 }
 
-std::wstring StateFile() { return StateDirectory() + L"\\state.json"; }
-std::wstring TransactionFile() { return StateDirectory() + L"\\transactions.jsonl"; }
+std::wstring StateFile()
+{
+    return StateDirectory() + L"\\state.json";
+}
+std::wstring TransactionFile()
+{
+    return StateDirectory() + L"\\transactions.jsonl";
+}
 
 void WithState(const std::function<bool(rapidjson::Document& state)>& use)
 {

@@ -54,9 +54,9 @@ std::vector<rapidjson::Value*> ObjectsIn(rapidjson::Value& parent, const char* a
 
 void CountLoadsAndUnloads(const char* section, unsigned long reason, void* reserved)
 {
-    const char* counter = reason == DLL_PROCESS_ATTACH                           ? "loads"
+    const char* counter = reason == DLL_PROCESS_ATTACH                          ? "loads"
                           : reason == DLL_PROCESS_DETACH && reserved == nullptr ? "unloads"
-                                                                                 : nullptr;
+                                                                                : nullptr;
     if (counter == nullptr) {
         return;
     }

@@ -148,8 +148,8 @@ std::vector<uint8_t> DisplayEdid(const rapidjson::Value& display)
     if (display.HasMember("edid") && display["edid"].IsString()) {
         return LumavenSim::HexToBytes(display["edid"].GetString());
     }
-    const std::string panel = display.HasMember("panel") && display["panel"].IsString() ? display["panel"].GetString()
-                                                                                          : "00000000";
+    const std::string panel =
+        display.HasMember("panel") && display["panel"].IsString() ? display["panel"].GetString() : "00000000";
     return LumavenSim::MakeEdid(LumavenSim::HexToBytes(panel));
 }
 
@@ -198,8 +198,8 @@ int ADL2_Main_Control_Create(AllocateCallback callback, int iEnumConnectedAdapte
     }
     // A flag: 1 lists only the connected adapters, 0 all of them.
     if (iEnumConnectedAdapters != 0 && iEnumConnectedAdapters != 1) {
-        return record.Refuse(kInvalidParameter,
-                             "iEnumConnectedAdapters " + std::to_string(iEnumConnectedAdapters) + " is neither 0 nor 1");
+        return record.Refuse(kInvalidParameter, "iEnumConnectedAdapters " + std::to_string(iEnumConnectedAdapters) +
+                                                    " is neither 0 nor 1");
     }
     *context = new FakeContext{callback, iEnumConnectedAdapters};
     LiveContexts().insert(*context);
@@ -273,7 +273,8 @@ int ADL2_Adapter_AdapterInfo_Get(Context handle, AdapterInfo* lpInfo, int iInput
         }
         // The buffer must hold a record for every adapter reported; nothing is written into
         // one that is too small.
-        const int64_t needed = static_cast<int64_t>(ReportedAdapterCount(state)) * static_cast<int64_t>(sizeof(AdapterInfo));
+        const int64_t needed =
+            static_cast<int64_t>(ReportedAdapterCount(state)) * static_cast<int64_t>(sizeof(AdapterInfo));
         if (iInputSize <= 0 || iInputSize < needed) {
             result = kInvalidParameter;
             refused = "iInputSize " + std::to_string(iInputSize) + " is below the " + std::to_string(needed) +
@@ -288,8 +289,9 @@ int ADL2_Adapter_AdapterInfo_Get(Context handle, AdapterInfo* lpInfo, int iInput
             info.iSize = sizeof info;
             info.iAdapterIndex = AdapterIndexOf(*adapters[i], i);
             const rapidjson::Value& adapter = *adapters[i];
-            const std::string name = adapter.HasMember("name") && adapter["name"].IsString() ? adapter["name"].GetString()
-                                                                                              : "AMD Radeon(TM) Graphics";
+            const std::string name = adapter.HasMember("name") && adapter["name"].IsString()
+                                         ? adapter["name"].GetString()
+                                         : "AMD Radeon(TM) Graphics";
             std::snprintf(info.strAdapterName, sizeof info.strAdapterName, "%s", name.c_str());
             std::snprintf(info.strDisplayName, sizeof info.strDisplayName, "\\\\.\\DISPLAY%zu", i + 1);
             std::snprintf(info.strUDID, sizeof info.strUDID, "PCI_VEN_1002&DEV_1681&SUBSYS_0000&REV_00_%zu", i);
@@ -437,7 +439,8 @@ int ADL2_Display_EdidData_Get(Context handle, int iAdapterIndex, int iDisplayInd
     // One 128-byte block per call; a block past the EDID's end does not exist.
     const size_t block = static_cast<size_t>(edid.iBlockIndex) * 128;
     if (edid.iBlockIndex < 0 || block >= bytes.size()) {
-        return record.Refuse(kInvalidParameter, "iBlockIndex " + std::to_string(edid.iBlockIndex) + " is not a block of the EDID");
+        return record.Refuse(kInvalidParameter,
+                             "iBlockIndex " + std::to_string(edid.iBlockIndex) + " is not a block of the EDID");
     }
     const size_t available = std::min<size_t>(bytes.size() - block, 128);
     std::memset(edid.cEDIDData, 0, sizeof edid.cEDIDData);

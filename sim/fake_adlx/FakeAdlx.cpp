@@ -178,7 +178,8 @@ public:
             return RefuseReleased("QueryInterface");
         }
         if (interfaceId == nullptr || ppInterface == nullptr) {
-            return Refuse("QueryInterface", kInvalidArgs, interfaceId == nullptr ? "no interface id" : "no pointer to fill");
+            return Refuse("QueryInterface", kInvalidArgs,
+                          interfaceId == nullptr ? "no interface id" : "no pointer to fill");
         }
         const std::string id(interfaceId, interfaceId + wcslen(interfaceId));
         if (id == InterfaceName() || id == "IADLXInterface") {
@@ -336,7 +337,8 @@ private:
         }
         if (location >= m_items.size()) {
             return record
-                .Refused("index " + std::to_string(location) + " past the " + std::to_string(m_items.size()) + " displays")
+                .Refused("index " + std::to_string(location) + " past the " + std::to_string(m_items.size()) +
+                         " displays")
                 .Done(kInvalidArgs);
         }
         m_items[location]->Acquire();
@@ -410,14 +412,8 @@ public:
     {
         return IsMode("IsCurrentMaximizeBattery", "maximizeBattery", isCurrent);
     }
-    Result __stdcall SetMaximizeBrightness() override
-    {
-        return SetMode("SetMaximizeBrightness", "maximizeBrightness");
-    }
-    Result __stdcall SetOptimizeBrightness() override
-    {
-        return SetMode("SetOptimizeBrightness", "optimizeBrightness");
-    }
+    Result __stdcall SetMaximizeBrightness() override { return SetMode("SetMaximizeBrightness", "maximizeBrightness"); }
+    Result __stdcall SetOptimizeBrightness() override { return SetMode("SetOptimizeBrightness", "optimizeBrightness"); }
     Result __stdcall SetBalanced() override { return SetMode("SetBalanced", "balanced"); }
     Result __stdcall SetOptimizeBattery() override { return SetMode("SetOptimizeBattery", "optimizeBattery"); }
     Result __stdcall SetMaximizeBattery() override { return SetMode("SetMaximizeBattery", "maximizeBattery"); }
@@ -554,7 +550,8 @@ public:
             return record.Refused("a released IADLXDisplayServices").Done(kInvalidObject);
         }
         if (ppVariBright == nullptr || pDisplay == nullptr) {
-            return record.Refused(pDisplay == nullptr ? "no display" : "no interface pointer to fill").Done(kInvalidArgs);
+            return record.Refused(pDisplay == nullptr ? "no display" : "no interface pointer to fill")
+                .Done(kInvalidArgs);
         }
         const FakeDisplay* display = FindDisplay(pDisplay);
         if (display == nullptr) {
@@ -614,8 +611,7 @@ public:
             return record.Refused("no pointer to fill").Done(kInvalidArgs);
         }
         *ppDispServices = nullptr;
-        const Result result =
-            WithFaultableState("GetDisplaysServices", [](rapidjson::Document&) { return kOk; });
+        const Result result = WithFaultableState("GetDisplaysServices", [](rapidjson::Document&) { return kOk; });
         if (result == kOk) {
             *ppDispServices = new FakeDisplayServices();
         }

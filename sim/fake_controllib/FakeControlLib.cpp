@@ -43,7 +43,10 @@ constexpr uintptr_t kApiHandle = 0x00007A1C00000001ull;
 constexpr uintptr_t kAdapterTag = 0x00007AD000000000ull;
 constexpr uintptr_t kOutputTag = 0x00007D0000000000ull;
 
-ctl_api_handle_t ApiHandle() { return reinterpret_cast<ctl_api_handle_t>(kApiHandle); }
+ctl_api_handle_t ApiHandle()
+{
+    return reinterpret_cast<ctl_api_handle_t>(kApiHandle);
+}
 
 ctl_device_adapter_handle_t AdapterHandle(size_t adapter)
 {
@@ -157,8 +160,14 @@ void Encode(Call& call, ctl_display_output_handle_t handle)
     Encode<_ctl_display_output_handle_t>(call, handle);
 }
 
-void Encode(Call& call, uint32_t value) { call.Argument(rapidjson::Value(value)); }
-void Encode(Call& call, ctl_fan_speed_units_t value) { call.Argument(rapidjson::Value(static_cast<uint32_t>(value))); }
+void Encode(Call& call, uint32_t value)
+{
+    call.Argument(rapidjson::Value(value));
+}
+void Encode(Call& call, ctl_fan_speed_units_t value)
+{
+    call.Argument(rapidjson::Value(static_cast<uint32_t>(value)));
+}
 
 rapidjson::Value DoubleValue(Call& call, double value)
 {
@@ -177,7 +186,10 @@ rapidjson::Value DoubleValue(Call& call, double value)
     return object;
 }
 
-void Encode(Call& call, double value) { call.Argument(DoubleValue(call, value)); }
+void Encode(Call& call, double value)
+{
+    call.Argument(DoubleValue(call, value));
+}
 
 void Encode(Call& call, ctl_oc_vf_pair_t passed)
 {
@@ -198,7 +210,8 @@ void Encode(Call& call, ctl_oc_vf_pair_t passed)
 enum class Fn { LUMAVEN_CTL_FUNCTIONS(LUMAVEN_FAKE_ID, LUMAVEN_FAKE_ID) };
 #undef LUMAVEN_FAKE_ID
 template <Fn>
-struct Tag {};
+struct Tag {
+};
 
 template <Fn id, class... Args>
 ctl_result_t Act(Tag<id>, Call& call, Document& state, Args...)
@@ -206,7 +219,10 @@ ctl_result_t Act(Tag<id>, Call& call, Document& state, Args...)
     return static_cast<ctl_result_t>(Intel::ChosenResult(state, call.Function()).value_or(Driver::kNotImplemented));
 }
 
-constexpr ctl_result_t Result(uint32_t code) { return static_cast<ctl_result_t>(code); }
+constexpr ctl_result_t Result(uint32_t code)
+{
+    return static_cast<ctl_result_t>(code);
+}
 
 std::string Hex(uint64_t value)
 {
@@ -327,8 +343,9 @@ ctl_result_t Act(Tag<Fn::ctlEnumerateDisplayOutputs>, Call& call, Document& stat
 {
     const auto adapter = AdapterOf(device);
     if (!adapter || *adapter >= Intel::AdapterCount(state)) {
-        return device == nullptr ? call.Refuse(Driver::kNullPointer, "no adapter handle")
-                                 : call.Refuse(Driver::kInvalidArgument, "an adapter handle this driver did not give out");
+        return device == nullptr
+                   ? call.Refuse(Driver::kNullPointer, "no adapter handle")
+                   : call.Refuse(Driver::kInvalidArgument, "an adapter handle this driver did not give out");
     }
     return Enumerate(call, Intel::OutputCount(state, *adapter), count, outputs,
                      [&](size_t i) { return OutputHandle(*adapter, i); });
@@ -410,8 +427,8 @@ std::pair<uint32_t, std::string> CheckAux(const Driver::AuxAccessArgs& args)
         return {Driver::kInvalidArgument, "PortID " + std::to_string(args.PortID) + " is not zero"};
     }
     if (args.DataSize == 0 || args.DataSize > Driver::kAuxMaxData) {
-        return {Driver::kInvalidArgument, "DataSize " + std::to_string(args.DataSize) + " is not 1 to " +
-                                              std::to_string(Driver::kAuxMaxData)};
+        return {Driver::kInvalidArgument,
+                "DataSize " + std::to_string(args.DataSize) + " is not 1 to " + std::to_string(Driver::kAuxMaxData)};
     }
     if (args.Address >= Driver::kDpcdSpace || Driver::kDpcdSpace - args.Address < args.DataSize) {
         return {Driver::kInvalidArgument, "Address " + Hex(args.Address) + " with " + std::to_string(args.DataSize) +
@@ -460,8 +477,8 @@ ctl_result_t Act(Tag<Fn::ctlAUXAccess>, Call& call, Document& state, ctl_display
     return Result(Driver::kSuccess);
 }
 
-ctl_result_t Act(Tag<Fn::ctlGetPowerOptimizationCaps>, Call& call, Document& state,
-                 ctl_display_output_handle_t display, ctl_power_optimization_caps_t* passed)
+ctl_result_t Act(Tag<Fn::ctlGetPowerOptimizationCaps>, Call& call, Document& state, ctl_display_output_handle_t display,
+                 ctl_power_optimization_caps_t* passed)
 {
     Driver::PowerCaps caps{};
     const auto [output, error] = Target(call, state, display, passed, caps);
@@ -486,8 +503,8 @@ ctl_result_t CheckSettings(Call& call, const rapidjson::Value& output, const Dri
     }
     const uint32_t feature = settings.PowerOptimizationFeature;
     if (feature < Driver::kFeatureFbc || feature > Driver::kFeatureLace || (feature & (feature - 1)) != 0) {
-        return call.Refuse(Driver::kInvalidArgument, "PowerOptimizationFeature " + Hex(feature) +
-                                                         " is not one known feature");
+        return call.Refuse(Driver::kInvalidArgument,
+                           "PowerOptimizationFeature " + Hex(feature) + " is not one known feature");
     }
     if (settings.PowerSource > Driver::kPowerSourceDc) {
         return call.Refuse(Driver::kInvalidArgument,
@@ -551,8 +568,8 @@ ctl_result_t Act(Tag<Fn::ctlSetPowerOptimizationSetting>, Call& call, Document& 
         return call.Refuse(Driver::kInvalidArgument, "EnabledFeatures " + Hex(requested) + " has unknown bits");
     }
     if ((requested & ~Intel::DpstSupportedFeatures(*output)) != 0) {
-        return call.Refuse(Driver::kUnsupportedFeature, "EnabledFeatures " + Hex(requested) +
-                                                            " asks for what the panel does not support");
+        return call.Refuse(Driver::kUnsupportedFeature,
+                           "EnabledFeatures " + Hex(requested) + " asks for what the panel does not support");
     }
     const uint32_t enabled = Intel::DpstEnabledFeatures(*output);
     Intel::SetDpstEnabledFeatures(state, *output, settings.Enable != 0 ? enabled | requested : enabled & ~requested);
@@ -578,10 +595,10 @@ ctl_result_t Serve(const char* function, Args... args)
 
 }  // namespace
 
-#define LUMAVEN_FAKE_DEFINE(name, ...)                                            \
-    extern "C" ctl_result_t CTL_APICALL name(LUMAVEN_CTL_PARAMS(__VA_ARGS__))      \
-    {                                                                             \
-        return Serve<Fn::name>(#name, LUMAVEN_CTL_ARGS(__VA_ARGS__));             \
+#define LUMAVEN_FAKE_DEFINE(name, ...)                                        \
+    extern "C" ctl_result_t CTL_APICALL name(LUMAVEN_CTL_PARAMS(__VA_ARGS__)) \
+    {                                                                         \
+        return Serve<Fn::name>(#name, LUMAVEN_CTL_ARGS(__VA_ARGS__));         \
     }
 LUMAVEN_CTL_FUNCTIONS(LUMAVEN_FAKE_DEFINE, LUMAVEN_FAKE_DEFINE)
 #undef LUMAVEN_FAKE_DEFINE

@@ -61,8 +61,8 @@ UINT HexMember(const rapidjson::Value& state, const char* name)
 // then answers as Wine's own DXGI does without a display: with no adapter.
 std::optional<AdapterProfile> AdapterOf(const rapidjson::Document& state)
 {
-    const bool installed = state.HasMember("libraries") && state["libraries"].IsObject() &&
-                           state["libraries"].HasMember("dxgi.dll");
+    const bool installed =
+        state.HasMember("libraries") && state["libraries"].IsObject() && state["libraries"].HasMember("dxgi.dll");
     if (!installed || !state.HasMember("gpuName") || !state["gpuName"].IsString()) {
         return std::nullopt;
     }
@@ -192,10 +192,7 @@ public:
     {
         return Describe("IDXGIAdapter1::GetDesc1", nullptr, desc);
     }
-    HRESULT STDMETHODCALLTYPE CheckInterfaceSupport(REFGUID, LARGE_INTEGER*) override
-    {
-        return DXGI_ERROR_UNSUPPORTED;
-    }
+    HRESULT STDMETHODCALLTYPE CheckInterfaceSupport(REFGUID, LARGE_INTEGER*) override { return DXGI_ERROR_UNSUPPORTED; }
 
 private:
     ~Adapter() override { m_factory->Release(); }

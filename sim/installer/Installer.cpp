@@ -110,7 +110,8 @@ void RemoveSimMonitors()
     }
     for (const std::wstring& model : SubkeyNames(display.get())) {
         const Key modelKey = OpenKey(display.get(), model);
-        if (modelKey && RegQueryValueExW(modelKey.get(), kSimMarker, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS) {
+        if (modelKey &&
+            RegQueryValueExW(modelKey.get(), kSimMarker, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS) {
             RegDeleteTreeW(display.get(), model.c_str());
         }
     }
@@ -127,9 +128,8 @@ std::vector<uint8_t> MonitorEdid(const rapidjson::Value& monitor)
     if (monitor.HasMember("edid") && monitor["edid"].IsString()) {
         return HexToBytes(monitor["edid"].GetString());
     }
-    const size_t length = monitor.HasMember("edidLength") && monitor["edidLength"].IsUint()
-                              ? monitor["edidLength"].GetUint()
-                              : 128;
+    const size_t length =
+        monitor.HasMember("edidLength") && monitor["edidLength"].IsUint() ? monitor["edidLength"].GetUint() : 128;
     const std::string panel =
         monitor.HasMember("panel") && monitor["panel"].IsString() ? monitor["panel"].GetString() : "00000000";
     return MakeEdid(HexToBytes(panel), length);
@@ -146,8 +146,9 @@ bool InstallMonitors(const rapidjson::Value& monitors, std::string& error)
         ++number;
         wchar_t defaultModel[16];
         swprintf(defaultModel, 16, L"LSIM%04u", number);
-        const std::wstring model =
-            monitor.HasMember("model") && monitor["model"].IsString() ? Widen(monitor["model"].GetString()) : defaultModel;
+        const std::wstring model = monitor.HasMember("model") && monitor["model"].IsString()
+                                       ? Widen(monitor["model"].GetString())
+                                       : defaultModel;
         const std::wstring modelPath = std::wstring(kDisplayEnumKey) + L"\\" + model;
         const Key modelKey = CreateKey(HKEY_LOCAL_MACHINE, modelPath);
         const Key instance = CreateKey(HKEY_LOCAL_MACHINE, modelPath + L"\\1&0");
@@ -323,7 +324,8 @@ std::string Describe()
             const Key parameters = OpenKey(display.get(), model + L"\\1&0\\Device Parameters", KEY_READ);
             uint8_t edid[512];
             DWORD size = sizeof edid;
-            if (parameters && RegQueryValueExW(parameters.get(), L"EDID", nullptr, nullptr, edid, &size) == ERROR_SUCCESS) {
+            if (parameters &&
+                RegQueryValueExW(parameters.get(), L"EDID", nullptr, nullptr, edid, &size) == ERROR_SUCCESS) {
                 out << "  " << Narrow(model) << ": EDID " << size << " bytes, bytes 8..11 "
                     << (size >= 12 ? BytesToHex(edid + 8, 4) : std::string("(short)")) << "\n";
             } else {

@@ -13,7 +13,8 @@ void Usage()
     std::printf(
         "usage: lumaven-sim install PROFILE.json   install the profile's monitors, fake drivers and state\n"
         "       lumaven-sim show                   print monitors, libraries, driver state and transactions\n"
-        "       lumaven-sim drivers                print what the simulated drivers hold (panel registers, OPST, VariBright)\n"
+        "       lumaven-sim drivers                print what the simulated drivers hold (panel registers, OPST, "
+        "VariBright)\n"
         "       lumaven-sim log [--aux]            print the transaction log (--aux: only panel AUX transactions)\n"
         "       lumaven-sim clear-log              empty the transaction log\n"
         "       lumaven-sim --version              print the version\n"

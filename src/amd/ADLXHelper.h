@@ -16,13 +16,13 @@
 
 // ADLX's six exports in the order they are resolved, as X(member, function type, export
 // name). The helper binds all of them from this one list and needs all of them.
-#define LUMAVEN_ADLX_ENTRY_POINTS(X)                                                                        \
-    X(m_fullVersionFn, ADLXQueryFullVersion_Fn, ADLX_QUERY_FULL_VERSION_FUNCTION_NAME)                      \
-    X(m_versionFn, ADLXQueryVersion_Fn, ADLX_QUERY_VERSION_FUNCTION_NAME)                                   \
-    X(m_initWithCallerAdlFn, ADLXInitializeWithCallerAdl_Fn, ADLX_INIT_WITH_CALLER_ADL_FUNCTION_NAME)       \
-    X(m_initWithIncompatibleDriverFn, ADLXInitializeWithIncompatibleDriver_Fn,                              \
-      ADLX_INIT_WITH_INCOMPATIBLE_DRIVER_FUNCTION_NAME)                                                     \
-    X(m_initFn, ADLXInitialize_Fn, ADLX_INIT_FUNCTION_NAME)                                                 \
+#define LUMAVEN_ADLX_ENTRY_POINTS(X)                                                                  \
+    X(m_fullVersionFn, ADLXQueryFullVersion_Fn, ADLX_QUERY_FULL_VERSION_FUNCTION_NAME)                \
+    X(m_versionFn, ADLXQueryVersion_Fn, ADLX_QUERY_VERSION_FUNCTION_NAME)                             \
+    X(m_initWithCallerAdlFn, ADLXInitializeWithCallerAdl_Fn, ADLX_INIT_WITH_CALLER_ADL_FUNCTION_NAME) \
+    X(m_initWithIncompatibleDriverFn, ADLXInitializeWithIncompatibleDriver_Fn,                        \
+      ADLX_INIT_WITH_INCOMPATIBLE_DRIVER_FUNCTION_NAME)                                               \
+    X(m_initFn, ADLXInitialize_Fn, ADLX_INIT_FUNCTION_NAME)                                           \
     X(m_terminateFn, ADLXTerminate_Fn, ADLX_TERMINATE_FUNCTION_NAME)
 
 class ADLXHelper {

@@ -23,13 +23,13 @@ namespace {
 // The entry points in the order they are resolved, with whether a call can go on without
 // them. The AUX entry is required too but is tested on its own, after the others; the EDID
 // entry's absence is only noticed per display.
-#define LUMAVEN_ADL_ENTRY_POINTS(X)                                                      \
-    X(ADL2_Display_EdidData_Get, ADL2_DISPLAY_EDIDDATA_GET, false)                       \
-    X(ADL2_Main_Control_Create, ADL2_MAIN_CONTROL_CREATE, true)                          \
-    X(ADL2_Adapter_NumberOfAdapters_Get, ADL2_ADAPTER_NUMBEROFADAPTERS_GET, true)        \
-    X(ADL2_Adapter_AdapterInfo_Get, ADL2_ADAPTER_ADAPTERINFO_GET, true)                  \
-    X(ADL2_Display_DisplayInfo_Get, ADL2_DISPLAY_DISPLAYINFO_GET, true)                  \
-    X(ADL2_Main_Control_Destroy, ADL2_MAIN_CONTROL_DESTROY, true)                        \
+#define LUMAVEN_ADL_ENTRY_POINTS(X)                                               \
+    X(ADL2_Display_EdidData_Get, ADL2_DISPLAY_EDIDDATA_GET, false)                \
+    X(ADL2_Main_Control_Create, ADL2_MAIN_CONTROL_CREATE, true)                   \
+    X(ADL2_Adapter_NumberOfAdapters_Get, ADL2_ADAPTER_NUMBEROFADAPTERS_GET, true) \
+    X(ADL2_Adapter_AdapterInfo_Get, ADL2_ADAPTER_ADAPTERINFO_GET, true)           \
+    X(ADL2_Display_DisplayInfo_Get, ADL2_DISPLAY_DISPLAYINFO_GET, true)           \
+    X(ADL2_Main_Control_Destroy, ADL2_MAIN_CONTROL_DESTROY, true)                 \
     X(ADL2_Display_NativeAUXChannel_Access, ADL2_DISPLAY_NATIVEAUXCHANNEL_ACCESS, false)
 
 // An ADL context, destroyed through the entry point of the library that created it.
@@ -125,7 +125,8 @@ void SendAuxWrites(const std::vector<AuxWrite>& writes)
 }
 
 // Walks every adapter's displays and writes to each mapped display of the panel.
-bool WriteToMatchingDisplays(TraceLogger* logger, int adapterCount, PanelId panelId, const std::vector<AuxWrite>& writes)
+bool WriteToMatchingDisplays(TraceLogger* logger, int adapterCount, PanelId panelId,
+                             const std::vector<AuxWrite>& writes)
 {
     bool matched = false;
     for (int i = 0; i < adapterCount; ++i) {
@@ -133,7 +134,8 @@ bool WriteToMatchingDisplays(TraceLogger* logger, int adapterCount, PanelId pane
         const int adapterIndex = g_adl.adapterInfo[i].iAdapterIndex;
         int displayCount = 0;
         Adl::ADLDisplayInfo* displays = nullptr;
-        const int listed = g_adl.ADL2_Display_DisplayInfo_Get(g_adl.context.get(), adapterIndex, &displayCount, &displays, 0);
+        const int listed =
+            g_adl.ADL2_Display_DisplayInfo_Get(g_adl.context.get(), adapterIndex, &displayCount, &displays, 0);
         // Whatever ADL allocated is ours to free, also when it reports a failure.
         g_adl.displayInfo.reset(displays);
         if (listed != Adl::ADL_OK) {
@@ -226,7 +228,8 @@ bool WriteAuxDataAmd(PanelId panelId, const std::vector<AuxWrite>& writes)
         if (g_adl.adapterInfo) {
             std::memset(g_adl.adapterInfo.get(), 0, static_cast<size_t>(adapterBytes));
             // Its answer is not looked at: a failed fill leaves zeroed records (adapter index 0).
-            g_adl.ADL2_Adapter_AdapterInfo_Get(g_adl.context.get(), g_adl.adapterInfo.get(), static_cast<int>(adapterBytes));
+            g_adl.ADL2_Adapter_AdapterInfo_Get(g_adl.context.get(), g_adl.adapterInfo.get(),
+                                               static_cast<int>(adapterBytes));
             matched = WriteToMatchingDisplays(logger, adapterCount, panelId, writes);
         }
     }

@@ -142,7 +142,7 @@ using ADL2_DISPLAY_DISPLAYINFO_GET = int (*)(ADL_CONTEXT_HANDLE context, int iAd
                                              ADLDisplayInfo** lppInfo, int iForceDetect);
 using ADL2_DISPLAY_EDIDDATA_GET = int (*)(ADL_CONTEXT_HANDLE context, int iAdapterIndex, int iDisplayIndex,
                                           ADLDisplayEDIDData* lpEDIDData);
-using ADL2_DISPLAY_NATIVEAUXCHANNEL_ACCESS = int (*)(ADL_CONTEXT_HANDLE context, int iAdapterIndex,
-                                                     int iDisplayIndex, ADLDisplayNativeAUXChannelData* lpData);
+using ADL2_DISPLAY_NATIVEAUXCHANNEL_ACCESS = int (*)(ADL_CONTEXT_HANDLE context, int iAdapterIndex, int iDisplayIndex,
+                                                     ADLDisplayNativeAUXChannelData* lpData);
 
 }  // namespace Adl

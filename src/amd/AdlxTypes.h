@@ -49,7 +49,10 @@ constexpr bool ADLX_SUCCEEDED(ADLX_RESULT result)
 {
     return static_cast<unsigned>(result) <= static_cast<unsigned>(ADLX_ALREADY_INITIALIZED);
 }
-constexpr bool ADLX_FAILED(ADLX_RESULT result) { return !ADLX_SUCCEEDED(result); }
+constexpr bool ADLX_FAILED(ADLX_RESULT result)
+{
+    return !ADLX_SUCCEEDED(result);
+}
 
 // The ADLX header version the service is built against (1.2.0.72), packed as
 // major << 48 | minor << 32 | release << 16 | build.
@@ -69,8 +72,8 @@ namespace adlx {
 
 class IADLXInterface {
 public:
-    virtual adlx_long ADLX_STD_CALL Acquire() = 0;                                                    // 0
-    virtual adlx_long ADLX_STD_CALL Release() = 0;                                                    // 1
+    virtual adlx_long ADLX_STD_CALL Acquire() = 0;                                                         // 0
+    virtual adlx_long ADLX_STD_CALL Release() = 0;                                                         // 1
     virtual ADLX_RESULT ADLX_STD_CALL QueryInterface(const wchar_t* interfaceId, void** ppInterface) = 0;  // 2
 };
 
@@ -93,22 +96,22 @@ class IADLMapping;
 // Not reference counted: it has no Acquire/Release and is never released.
 class IADLXSystem {
 public:
-    virtual ADLX_RESULT ADLX_STD_CALL HybridGraphicsType(ADLX_HG_TYPE* hgType) = 0;                // 0
-    virtual ADLX_RESULT ADLX_STD_CALL GetGPUs(IADLXGPUList** ppGPUs) = 0;                          // 1
+    virtual ADLX_RESULT ADLX_STD_CALL HybridGraphicsType(ADLX_HG_TYPE* hgType) = 0;                        // 0
+    virtual ADLX_RESULT ADLX_STD_CALL GetGPUs(IADLXGPUList** ppGPUs) = 0;                                  // 1
     virtual ADLX_RESULT ADLX_STD_CALL QueryInterface(const wchar_t* interfaceId, void** ppInterface) = 0;  // 2
-    virtual ADLX_RESULT ADLX_STD_CALL GetDisplaysServices(IADLXDisplayServices** ppDispServices) = 0;  // 3
+    virtual ADLX_RESULT ADLX_STD_CALL GetDisplaysServices(IADLXDisplayServices** ppDispServices) = 0;      // 3
 };
 
 class IADLXList : public IADLXInterface {
 public:
-    virtual adlx_uint ADLX_STD_CALL Size() = 0;                                          // 3
-    virtual adlx_bool ADLX_STD_CALL Empty() = 0;                                         // 4
-    virtual adlx_uint ADLX_STD_CALL Begin() = 0;                                         // 5
-    virtual adlx_uint ADLX_STD_CALL End() = 0;                                           // 6
+    virtual adlx_uint ADLX_STD_CALL Size() = 0;                                                   // 3
+    virtual adlx_bool ADLX_STD_CALL Empty() = 0;                                                  // 4
+    virtual adlx_uint ADLX_STD_CALL Begin() = 0;                                                  // 5
+    virtual adlx_uint ADLX_STD_CALL End() = 0;                                                    // 6
     virtual ADLX_RESULT ADLX_STD_CALL At(const adlx_uint location, IADLXInterface** ppItem) = 0;  // 7
-    virtual ADLX_RESULT ADLX_STD_CALL Clear() = 0;                                       // 8
-    virtual ADLX_RESULT ADLX_STD_CALL Remove_Back() = 0;                                 // 9
-    virtual ADLX_RESULT ADLX_STD_CALL Add_Back(IADLXInterface* pItem) = 0;               // 10
+    virtual ADLX_RESULT ADLX_STD_CALL Clear() = 0;                                                // 8
+    virtual ADLX_RESULT ADLX_STD_CALL Remove_Back() = 0;                                          // 9
+    virtual ADLX_RESULT ADLX_STD_CALL Add_Back(IADLXInterface* pItem) = 0;                        // 10
 };
 
 // ADLX overloads At and Add_Back here; overloaded virtuals are ordered differently by MSVC
@@ -116,43 +119,48 @@ public:
 class IADLXDisplayList : public IADLXList {
 public:
     virtual ADLX_RESULT ADLX_STD_CALL At_DisplayList(const adlx_uint location, IADLXDisplay** ppItem) = 0;  // 11
-    virtual ADLX_RESULT ADLX_STD_CALL Add_Back_DisplayList(IADLXDisplay* pItem) = 0;                       // 12
+    virtual ADLX_RESULT ADLX_STD_CALL Add_Back_DisplayList(IADLXDisplay* pItem) = 0;                        // 12
 };
 
 class IADLXDisplay : public IADLXInterface {
 public:
-    virtual ADLX_RESULT ADLX_STD_CALL ManufacturerID(adlx_uint* manufacturerID) = 0;              // 3
-    virtual ADLX_RESULT ADLX_STD_CALL DisplayType(ADLX_DISPLAY_TYPE* displayType) = 0;            // 4
-    virtual ADLX_RESULT ADLX_STD_CALL ConnectorType(ADLX_DISPLAY_CONNECTOR_TYPE* connectType) = 0;  // 5
-    virtual ADLX_RESULT ADLX_STD_CALL Name(const char** displayName) = 0;                         // 6
-    virtual ADLX_RESULT ADLX_STD_CALL EDID(const char** edid) = 0;                                // 7
+    virtual ADLX_RESULT ADLX_STD_CALL ManufacturerID(adlx_uint* manufacturerID) = 0;                             // 3
+    virtual ADLX_RESULT ADLX_STD_CALL DisplayType(ADLX_DISPLAY_TYPE* displayType) = 0;                           // 4
+    virtual ADLX_RESULT ADLX_STD_CALL ConnectorType(ADLX_DISPLAY_CONNECTOR_TYPE* connectType) = 0;               // 5
+    virtual ADLX_RESULT ADLX_STD_CALL Name(const char** displayName) = 0;                                        // 6
+    virtual ADLX_RESULT ADLX_STD_CALL EDID(const char** edid) = 0;                                               // 7
     virtual ADLX_RESULT ADLX_STD_CALL NativeResolution(adlx_int* maxHResolution, adlx_int* maxVResolution) = 0;  // 8
-    virtual ADLX_RESULT ADLX_STD_CALL RefreshRate(adlx_double* refreshRate) = 0;                  // 9
-    virtual ADLX_RESULT ADLX_STD_CALL PixelClock(adlx_uint* pixelClock) = 0;                      // 10
-    virtual ADLX_RESULT ADLX_STD_CALL ScanType(ADLX_DISPLAY_SCAN_TYPE* scanType) = 0;             // 11
-    virtual ADLX_RESULT ADLX_STD_CALL GetGPU(IADLXGPU** ppGPU) = 0;                               // 12
-    virtual ADLX_RESULT ADLX_STD_CALL UniqueId(adlx_size* uniqueId) = 0;                          // 13
+    virtual ADLX_RESULT ADLX_STD_CALL RefreshRate(adlx_double* refreshRate) = 0;                                 // 9
+    virtual ADLX_RESULT ADLX_STD_CALL PixelClock(adlx_uint* pixelClock) = 0;                                     // 10
+    virtual ADLX_RESULT ADLX_STD_CALL ScanType(ADLX_DISPLAY_SCAN_TYPE* scanType) = 0;                            // 11
+    virtual ADLX_RESULT ADLX_STD_CALL GetGPU(IADLXGPU** ppGPU) = 0;                                              // 12
+    virtual ADLX_RESULT ADLX_STD_CALL UniqueId(adlx_size* uniqueId) = 0;                                         // 13
 };
 
 class IADLXDisplayServices : public IADLXInterface {
 public:
-    virtual ADLX_RESULT ADLX_STD_CALL GetNumberOfDisplays(adlx_uint* numDisplays) = 0;               // 3
-    virtual ADLX_RESULT ADLX_STD_CALL GetDisplays(IADLXDisplayList** ppDisplays) = 0;                // 4
+    virtual ADLX_RESULT ADLX_STD_CALL GetNumberOfDisplays(adlx_uint* numDisplays) = 0;                     // 3
+    virtual ADLX_RESULT ADLX_STD_CALL GetDisplays(IADLXDisplayList** ppDisplays) = 0;                      // 4
     virtual ADLX_RESULT ADLX_STD_CALL Get3DLUT(IADLXDisplay* pDisplay, IADLXInterface** ppDisp3DLUT) = 0;  // 5
     virtual ADLX_RESULT ADLX_STD_CALL GetGamut(IADLXDisplay* pDisplay, IADLXInterface** ppDispGamut) = 0;  // 6
     virtual ADLX_RESULT ADLX_STD_CALL GetGamma(IADLXDisplay* pDisplay, IADLXInterface** ppDispGamma) = 0;  // 7
-    virtual ADLX_RESULT ADLX_STD_CALL GetDisplayChangedHandling(IADLXDisplayChangedHandling** ppDisplayChangedHandling) = 0;  // 8
+    virtual ADLX_RESULT ADLX_STD_CALL
+    GetDisplayChangedHandling(IADLXDisplayChangedHandling** ppDisplayChangedHandling) = 0;                   // 8
     virtual ADLX_RESULT ADLX_STD_CALL GetFreeSync(IADLXDisplay* pDisplay, IADLXInterface** ppFreeSync) = 0;  // 9
-    virtual ADLX_RESULT ADLX_STD_CALL GetVirtualSuperResolution(IADLXDisplay* pDisplay, IADLXInterface** ppVSR) = 0;  // 10
-    virtual ADLX_RESULT ADLX_STD_CALL GetGPUScaling(IADLXDisplay* pDisplay, IADLXInterface** ppGPUScaling) = 0;  // 11
+    virtual ADLX_RESULT ADLX_STD_CALL GetVirtualSuperResolution(IADLXDisplay* pDisplay,
+                                                                IADLXInterface** ppVSR) = 0;                       // 10
+    virtual ADLX_RESULT ADLX_STD_CALL GetGPUScaling(IADLXDisplay* pDisplay, IADLXInterface** ppGPUScaling) = 0;    // 11
     virtual ADLX_RESULT ADLX_STD_CALL GetScalingMode(IADLXDisplay* pDisplay, IADLXInterface** ppScalingMode) = 0;  // 12
-    virtual ADLX_RESULT ADLX_STD_CALL GetIntegerScaling(IADLXDisplay* pDisplay, IADLXInterface** ppIntegerScaling) = 0;  // 13
-    virtual ADLX_RESULT ADLX_STD_CALL GetColorDepth(IADLXDisplay* pDisplay, IADLXInterface** ppColorDepth) = 0;  // 14
+    virtual ADLX_RESULT ADLX_STD_CALL GetIntegerScaling(IADLXDisplay* pDisplay,
+                                                        IADLXInterface** ppIntegerScaling) = 0;                    // 13
+    virtual ADLX_RESULT ADLX_STD_CALL GetColorDepth(IADLXDisplay* pDisplay, IADLXInterface** ppColorDepth) = 0;    // 14
     virtual ADLX_RESULT ADLX_STD_CALL GetPixelFormat(IADLXDisplay* pDisplay, IADLXInterface** ppPixelFormat) = 0;  // 15
     virtual ADLX_RESULT ADLX_STD_CALL GetCustomColor(IADLXDisplay* pDisplay, IADLXInterface** ppCustomColor) = 0;  // 16
-    virtual ADLX_RESULT ADLX_STD_CALL GetHDCP(IADLXDisplay* pDisplay, IADLXInterface** ppHDCP) = 0;  // 17
-    virtual ADLX_RESULT ADLX_STD_CALL GetCustomResolution(IADLXDisplay* pDisplay, IADLXInterface** ppCustomResolution) = 0;  // 18
-    virtual ADLX_RESULT ADLX_STD_CALL GetVariBright(IADLXDisplay* pDisplay, IADLXDisplayVariBright** ppVariBright) = 0;  // 19
+    virtual ADLX_RESULT ADLX_STD_CALL GetHDCP(IADLXDisplay* pDisplay, IADLXInterface** ppHDCP) = 0;                // 17
+    virtual ADLX_RESULT ADLX_STD_CALL GetCustomResolution(IADLXDisplay* pDisplay,
+                                                          IADLXInterface** ppCustomResolution) = 0;  // 18
+    virtual ADLX_RESULT ADLX_STD_CALL GetVariBright(IADLXDisplay* pDisplay,
+                                                    IADLXDisplayVariBright** ppVariBright) = 0;  // 19
 };
 
 class IADLXDisplayVariBright : public IADLXInterface {

@@ -83,20 +83,15 @@ private:
 bool AppendScalar(const VARIANT& value, JsonArray& into, Document::AllocatorType& allocator)
 {
     switch (value.vt) {
-    case VT_I4:
-        into.PushBack(JsonArray(static_cast<int>(value.lVal)), allocator);
-        return true;
+    case VT_I4: into.PushBack(JsonArray(static_cast<int>(value.lVal)), allocator); return true;
     case VT_BSTR:
         // A null BSTR is the empty string; its length is 0.
         into.PushBack(JsonArray(value.bstrVal != nullptr ? value.bstrVal : L"",
                                 static_cast<rapidjson::SizeType>(SysStringLen(value.bstrVal)), allocator),
                       allocator);
         return true;
-    case VT_BOOL:
-        into.PushBack(JsonArray(value.boolVal != VARIANT_FALSE), allocator);
-        return true;
-    default:
-        return false;
+    case VT_BOOL: into.PushBack(JsonArray(value.boolVal != VARIANT_FALSE), allocator); return true;
+    default: return false;
     }
 }
 
@@ -134,8 +129,7 @@ bool SecurityFailureIsLogged(HRESULT result)
 }
 
 PublicWmi::PublicWmi(const wchar_t* wmiNamespace)
-    : m_logger(LogManager::GetLogger()),
-      m_typeName(LumavenUtil::TypeNameOf<PublicWmi>()),
+    : m_logger(LogManager::GetLogger()), m_typeName(LumavenUtil::TypeNameOf<PublicWmi>()),
       m_namespace(wmiNamespace != nullptr ? wmiNamespace : kDefaultWmiNamespace)
 {
 }
@@ -199,9 +193,8 @@ ComPtr<IEnumWbemClassObject> PublicWmi::EnumClassObject(const wchar_t* className
 
     // The enumerator keeps what it needs of the services; they are released on return.
     ComPtr<IEnumWbemClassObject> enumerator;
-    const HRESULT result = services->ExecQuery(language.get(), text.get(),
-                                               WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY, nullptr,
-                                               &enumerator);
+    const HRESULT result = services->ExecQuery(
+        language.get(), text.get(), WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY, nullptr, &enumerator);
     if (FAILED(result)) {
         Warn("EnumClassObject", L"IWbemServices->ExecQuery", result);
         return nullptr;

@@ -127,12 +127,11 @@ extern "C" ctl_result_t CTL_APICALL ctlSetRuntimePath(ctl_runtime_path_args_t* p
 // The 90 forwarders: the symbol of the same name, called with the arguments unchanged (a
 // record passed by value reaches the library as this function's copy), its result returned
 // unchanged; 0x40000001 when there is no library or no such symbol.
-#define LUMAVEN_CTL_DEFINE_FORWARDER(name, ...)                                                \
-    extern "C" ctl_result_t CTL_APICALL name(LUMAVEN_CTL_PARAMS(__VA_ARGS__))                   \
-    {                                                                                          \
-        const auto symbol = LookUp<decltype(&name)>(#name);                                    \
-        return symbol != nullptr ? symbol(LUMAVEN_CTL_ARGS(__VA_ARGS__))                       \
-                                 : CTL_RESULT_ERROR_NOT_INITIALIZED;                           \
+#define LUMAVEN_CTL_DEFINE_FORWARDER(name, ...)                                                              \
+    extern "C" ctl_result_t CTL_APICALL name(LUMAVEN_CTL_PARAMS(__VA_ARGS__))                                \
+    {                                                                                                        \
+        const auto symbol = LookUp<decltype(&name)>(#name);                                                  \
+        return symbol != nullptr ? symbol(LUMAVEN_CTL_ARGS(__VA_ARGS__)) : CTL_RESULT_ERROR_NOT_INITIALIZED; \
     }
 LUMAVEN_CTL_FUNCTIONS(LUMAVEN_CTL_NOTHING, LUMAVEN_CTL_DEFINE_FORWARDER)
 #undef LUMAVEN_CTL_DEFINE_FORWARDER

@@ -40,7 +40,10 @@ typedef struct _ctl_mux_output_handle_t* ctl_mux_output_handle_t;
 
 // Major version in the upper 16 bits, minor in the lower 16 (1.0 = 0x00010000).
 typedef uint32_t ctl_version_info_t;
-constexpr uint32_t CtlMajorVersion(ctl_version_info_t version) { return version >> 16; }
+constexpr uint32_t CtlMajorVersion(ctl_version_info_t version)
+{
+    return version >> 16;
+}
 
 enum ctl_fan_speed_units_t : uint32_t {
     CTL_FAN_SPEED_UNITS_RPM = 0,

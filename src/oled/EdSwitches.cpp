@@ -7,8 +7,9 @@ namespace Xelto::Spanlet::Server::Services::Lumaven {
 
 uint32_t LumavenService::EnableEd(Document* request, Document* response, uint64_t contextWord)
 {
-    return RunHandler(Handler::EnableEd, request, response, contextWord,
-                      [&] { return RunIntelCommand(kModeEdOn, *response, {1, std::nullopt}); });
+    return RunHandler(Handler::EnableEd, request, response, contextWord, [&] {
+        return RunIntelCommand(kModeEdOn, *response, {1, std::nullopt});
+    });
 }
 
 uint32_t LumavenService::DisableEd(Document* request, Document* response, uint64_t contextWord)

@@ -40,7 +40,8 @@ uint32_t LumavenService::SetIntelElp(Document* request, Document* response, uint
 {
     return Guarded(Handler::SetIntelElp, [&] {
         const std::lock_guard lock(m_mutex);
-        const ElpRequest checked = CheckElpRequest(request, m_panelId, *m_logger, L"SetIntelElp() check data failed\n\n");
+        const ElpRequest checked =
+            CheckElpRequest(request, m_panelId, *m_logger, L"SetIntelElp() check data failed\n\n");
         if (checked.refusal != StatusSuccess) {
             return checked.refusal;
         }

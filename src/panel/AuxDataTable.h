@@ -22,10 +22,7 @@ struct AuxDataKey {
     PanelId panelId;
     bool on;
 
-    bool operator<(const AuxDataKey& other) const
-    {
-        return std::tie(panelId, on) < std::tie(other.panelId, other.on);
-    }
+    bool operator<(const AuxDataKey& other) const { return std::tie(panelId, on) < std::tie(other.panelId, other.on); }
 };
 
 using AuxDataMap = std::map<AuxDataKey, std::vector<AuxWrite>>;

@@ -10,7 +10,8 @@
 
 namespace Xelto::Spanlet::Server::Services::Lumaven {
 
-// NOLINTNEXTLINE(cert-err58-cpp): filled at load, before any caller; out of memory this early, the module cannot load anyway
+// NOLINTNEXTLINE(cert-err58-cpp): filled at load, before any caller; out of memory this early, the module cannot load
+// anyway
 const std::map<PanelIndex, PanelId> kPanelIdByIndex = [] {
     std::map<PanelIndex, PanelId> byIndex;
     for (const SupportedPanel& panel : kSupportedPanels) {
@@ -38,8 +39,7 @@ constexpr DWORD kInitialEdidBufferBytes = 256;
 std::vector<GUID> MonitorClassGuids()
 {
     DWORD required = 0;
-    if (!SetupDiClassGuidsFromNameW(L"Monitor", nullptr, 0, &required) &&
-        GetLastError() != ERROR_INSUFFICIENT_BUFFER) {
+    if (!SetupDiClassGuidsFromNameW(L"Monitor", nullptr, 0, &required) && GetLastError() != ERROR_INSUFFICIENT_BUFFER) {
         return {};
     }
     std::vector<GUID> guids(required);

@@ -41,8 +41,17 @@ struct SupportedPanel {
 // support queries test the index, the AUX table is keyed by the identity. They are not in
 // product-code order.
 inline constexpr std::array<SupportedPanel, 11> kSupportedPanels = {{
-    {0, kSdc4160}, {4, kSdc4166}, {5, kSdc416C}, {6, kSdc4170}, {3, kSdc4174}, {2, kSdc417C},
-    {1, kSdc417D}, {7, kSdc4197}, {8, kSdc41A6}, {9, kSdc41AC}, {10, kSdc41AA},
+    {0, kSdc4160},
+    {4, kSdc4166},
+    {5, kSdc416C},
+    {6, kSdc4170},
+    {3, kSdc4174},
+    {2, kSdc417C},
+    {1, kSdc417D},
+    {7, kSdc4197},
+    {8, kSdc41A6},
+    {9, kSdc41AC},
+    {10, kSdc41AA},
 }};
 
 // kSupportedPanels as a map from index to identity, filled before anything else runs.

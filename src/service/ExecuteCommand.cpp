@@ -49,21 +49,21 @@ struct CommandEntry {
 
 // Index = command number, with the lock the dispatcher holds around the handler.
 constexpr std::array<CommandEntry, 15> kCommands = {{
-    {nullptr, CommandLock::None},                                            // 0: not a command
-    {&Invoke<&LumavenService::_GetOpst>, CommandLock::Main},                 // 1
-    {&Invoke<&LumavenService::EnableOpst>, CommandLock::Main},               // 2
-    {&Invoke<&LumavenService::DisableOpst>, CommandLock::Main},              // 3
-    {&Invoke<&LumavenService::GetIfSystemSupportsOled>, CommandLock::None},  // 4
-    {&Invoke<&LumavenService::EnableEd>, CommandLock::Main},                 // 5
-    {&Invoke<&LumavenService::DisableEd>, CommandLock::Main},                // 6
-    {&Invoke<&LumavenService::GetOledFromRegistry>, CommandLock::None},      // 7
-    {&Invoke<&LumavenService::_GetIfSystemSupportsOpst>, CommandLock::Main}, // 8
-    {&InvokeElpSetter, CommandLock::None},                                   // 9: each setter locks
-    {&Invoke<&LumavenService::_GetIfOLEDSupport>, CommandLock::Main},        // 10
+    {nullptr, CommandLock::None},                                                  // 0: not a command
+    {&Invoke<&LumavenService::_GetOpst>, CommandLock::Main},                       // 1
+    {&Invoke<&LumavenService::EnableOpst>, CommandLock::Main},                     // 2
+    {&Invoke<&LumavenService::DisableOpst>, CommandLock::Main},                    // 3
+    {&Invoke<&LumavenService::GetIfSystemSupportsOled>, CommandLock::None},        // 4
+    {&Invoke<&LumavenService::EnableEd>, CommandLock::Main},                       // 5
+    {&Invoke<&LumavenService::DisableEd>, CommandLock::Main},                      // 6
+    {&Invoke<&LumavenService::GetOledFromRegistry>, CommandLock::None},            // 7
+    {&Invoke<&LumavenService::_GetIfSystemSupportsOpst>, CommandLock::Main},       // 8
+    {&InvokeElpSetter, CommandLock::None},                                         // 9: each setter locks
+    {&Invoke<&LumavenService::_GetIfOLEDSupport>, CommandLock::Main},              // 10
     {&InvokeWithExtra<&LumavenService::_SetOLEDPowerSaveON>, CommandLock::None},   // 11: locks by vendor
     {&InvokeWithExtra<&LumavenService::_SetOLEDPowerSaveOFF>, CommandLock::None},  // 12: locks by vendor
-    {&Invoke<&LumavenService::_GetIfVaribrightSupport>, CommandLock::Adlx},  // 13
-    {&Invoke<&LumavenService::_SetVaribright>, CommandLock::Adlx},           // 14
+    {&Invoke<&LumavenService::_GetIfVaribrightSupport>, CommandLock::Adlx},        // 13
+    {&Invoke<&LumavenService::_SetVaribright>, CommandLock::Adlx},                 // 14
 }};
 
 const CommandEntry* FindCommand(uint32_t command)

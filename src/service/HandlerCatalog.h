@@ -28,7 +28,8 @@ inline constexpr HandlerIdentity SetOLEDPowerSaveON{"LumavenService - SetOLEDPow
                                                     LUMAVEN_QUALIFIED("_SetOLEDPowerSaveON")};
 inline constexpr HandlerIdentity SetOLEDPowerSaveOFF{"LumavenService - SetOLEDPowerSaveOFF threw: %S",
                                                      LUMAVEN_QUALIFIED("_SetOLEDPowerSaveOFF")};
-inline constexpr HandlerIdentity SetIntelElp{"LumavenService - SetIntelElp threw: %S", LUMAVEN_QUALIFIED("SetIntelElp")};
+inline constexpr HandlerIdentity SetIntelElp{"LumavenService - SetIntelElp threw: %S",
+                                             LUMAVEN_QUALIFIED("SetIntelElp")};
 inline constexpr HandlerIdentity SetAmdElp{"LumavenService - SetAmdElp threw: %S", LUMAVEN_QUALIFIED("SetAmdElp")};
 
 inline constexpr HandlerIdentity EnableOpst{"LumavenService - EnableOpst threw: %S", nullptr};
@@ -40,8 +41,8 @@ inline constexpr HandlerIdentity GetOledFromRegistry{"LumavenService - GetOledFr
 
 // The event path logs in the message shape too.
 inline constexpr HandlerIdentity OledEventCalled{"LumavenService - OledEventCalled threw: %S", nullptr};
-inline constexpr HandlerIdentity GetOledFromRegistryForEvent{
-    "LumavenService - GetOledFromRegistryForEvent threw: %S", nullptr};
+inline constexpr HandlerIdentity GetOledFromRegistryForEvent{"LumavenService - GetOledFromRegistryForEvent threw: %S",
+                                                             nullptr};
 }  // namespace Handler
 
 #undef LUMAVEN_QUALIFIED

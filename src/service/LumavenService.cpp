@@ -59,7 +59,7 @@ uint32_t LumavenService::ReleaseString(wchar_t*** holder)
     if (holder == nullptr || *holder == nullptr) {
         return 0;
     }
-    delete[] **holder;
+    delete[] * *holder;
     delete *holder;
     return 0;
 }

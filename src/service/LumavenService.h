@@ -43,21 +43,21 @@ public:
     uint32_t oled_power_event_task(void* reserved, const POWERBROADCAST_SETTING* eventData) override;
 
     // Command handlers, by command number.
-    uint32_t _GetOpst(Document* request, Document* response, uint64_t contextWord);                  // 1
-    uint32_t EnableOpst(Document* request, Document* response, uint64_t contextWord);                // 2
-    uint32_t DisableOpst(Document* request, Document* response, uint64_t contextWord);               // 3
-    uint32_t GetIfSystemSupportsOled(Document* request, Document* response, uint64_t contextWord);   // 4
-    uint32_t EnableEd(Document* request, Document* response, uint64_t contextWord);                  // 5
-    uint32_t DisableEd(Document* request, Document* response, uint64_t contextWord);                 // 6
-    uint32_t GetOledFromRegistry(Document* request, Document* response, uint64_t contextWord);       // 7
-    uint32_t _GetIfSystemSupportsOpst(Document* request, Document* response, uint64_t contextWord);  // 8
-    uint32_t SetIntelElp(Document* request, Document* response, uint64_t contextWord, uint64_t extra);  // 9
-    uint32_t SetAmdElp(Document* request, Document* response, uint64_t contextWord, uint64_t extra);    // 9
-    uint32_t _GetIfOLEDSupport(Document* request, Document* response, uint64_t contextWord);              // 10
+    uint32_t _GetOpst(Document* request, Document* response, uint64_t contextWord);                              // 1
+    uint32_t EnableOpst(Document* request, Document* response, uint64_t contextWord);                            // 2
+    uint32_t DisableOpst(Document* request, Document* response, uint64_t contextWord);                           // 3
+    uint32_t GetIfSystemSupportsOled(Document* request, Document* response, uint64_t contextWord);               // 4
+    uint32_t EnableEd(Document* request, Document* response, uint64_t contextWord);                              // 5
+    uint32_t DisableEd(Document* request, Document* response, uint64_t contextWord);                             // 6
+    uint32_t GetOledFromRegistry(Document* request, Document* response, uint64_t contextWord);                   // 7
+    uint32_t _GetIfSystemSupportsOpst(Document* request, Document* response, uint64_t contextWord);              // 8
+    uint32_t SetIntelElp(Document* request, Document* response, uint64_t contextWord, uint64_t extra);           // 9
+    uint32_t SetAmdElp(Document* request, Document* response, uint64_t contextWord, uint64_t extra);             // 9
+    uint32_t _GetIfOLEDSupport(Document* request, Document* response, uint64_t contextWord);                     // 10
     uint32_t _SetOLEDPowerSaveON(Document* request, Document* response, uint64_t contextWord, uint64_t extra);   // 11
     uint32_t _SetOLEDPowerSaveOFF(Document* request, Document* response, uint64_t contextWord, uint64_t extra);  // 12
-    uint32_t _GetIfVaribrightSupport(Document* request, Document* response, uint64_t contextWord);  // 13
-    uint32_t _SetVaribright(Document* request, Document* response, uint64_t contextWord);           // 14
+    uint32_t _GetIfVaribrightSupport(Document* request, Document* response, uint64_t contextWord);               // 13
+    uint32_t _SetVaribright(Document* request, Document* response, uint64_t contextWord);                        // 14
 
     // The graphics vendor: kVendorIntel, kVendorAmd, or 0 when neither was found.
     static int32_t CheckVideoControllerType();

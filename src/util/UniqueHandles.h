@@ -20,10 +20,7 @@ class NullableHandle {
 public:
     NullableHandle() = default;
     NullableHandle(std::nullptr_t) {}
-    NullableHandle(Handle handle)
-        : m_handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle)
-    {
-    }
+    NullableHandle(Handle handle) : m_handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle) {}
     operator Handle() const { return m_handle; }
     explicit operator bool() const { return m_handle != nullptr; }
 

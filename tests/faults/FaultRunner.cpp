@@ -62,7 +62,7 @@ constexpr wchar_t kValueName[] = L"OLED";
 struct MachineSetup {
     const char* serviceKey;  // machines that start the same service share one
     int32_t vendor;
-    std::string profile;     // without "libraries"
+    std::string profile;  // without "libraries"
     std::map<std::string, std::string> libraries;
 };
 
@@ -76,7 +76,8 @@ std::string IntelProfile(const char* panel, const std::string& adapters)
 {
     return R"("monitors":[{"panel":")" + std::string(panel) +
            R"("}],"gpuName":"Intel(R) Iris(R) Xe Graphics","gpuVendorId":"8086","gpuDeviceId":"9A49",)"
-           R"("intel":{"adapters":[)" + adapters + "]}";
+           R"("intel":{"adapters":[)" +
+           adapters + "]}";
 }
 
 std::string AmdProfile(bool panelOn)
@@ -262,7 +263,8 @@ std::string Describe(const RawValue& value)
     if (value.type == REG_NONE) {
         return "absent";
     }
-    return "type " + std::to_string(value.type) + " bytes " + LumavenSim::BytesToHex(value.bytes.data(), value.bytes.size());
+    return "type " + std::to_string(value.type) + " bytes " +
+           LumavenSim::BytesToHex(value.bytes.data(), value.bytes.size());
 }
 
 // ---- The service and the action ------------------------------------------------------------------
@@ -407,9 +409,8 @@ std::string Token(const rapidjson::Value& record)
         token = (Number(record, "command") == 1 ? "W" : "R") + Hex4(Number(record, "address")) + "=" +
                 Text(record, "bytes");
     } else if (call == "SetEnabled") {
-        token = std::string("En=") + (record.HasMember("value") && record["value"].IsBool() && record["value"].GetBool()
-                                          ? "1"
-                                          : "0");
+        token = std::string("En=") +
+                (record.HasMember("value") && record["value"].IsBool() && record["value"].GetBool() ? "1" : "0");
     } else {
         const auto found = names.find(call);
         token = found != names.end() ? found->second : call;
@@ -489,9 +490,8 @@ void CheckPanel(const std::string& expected, std::vector<std::string>& mismatche
             std::vector<uint8_t> bytes;
             for (uint32_t i = 0; i < want.size() / 2; ++i) {
                 const std::string registerName = "0x" + Hex4(address + i);
-                const rapidjson::Value* dpcd = amdDisplay != nullptr && amdDisplay->HasMember("dpcd")
-                                                   ? &(*amdDisplay)["dpcd"]
-                                                   : nullptr;
+                const rapidjson::Value* dpcd =
+                    amdDisplay != nullptr && amdDisplay->HasMember("dpcd") ? &(*amdDisplay)["dpcd"] : nullptr;
                 bytes.push_back(dpcd != nullptr && dpcd->HasMember(registerName.c_str())
                                     ? static_cast<uint8_t>((*dpcd)[registerName.c_str()].GetUint())
                                     : 0);
@@ -562,8 +562,9 @@ bool MatchLine(const std::wstring& expected, const std::wstring& actual, std::ve
 void CheckLogs(const FaultRow& row, const std::vector<LumavenTest::LogRecord>& records,
                std::vector<std::string>& mismatches)
 {
-    static const std::map<Xelto::Logging::Level, wchar_t> levels = {
-        {Xelto::Logging::Level::Info, L'I'}, {Xelto::Logging::Level::Warning, L'W'}, {Xelto::Logging::Level::Error, L'E'}};
+    static const std::map<Xelto::Logging::Level, wchar_t> levels = {{Xelto::Logging::Level::Info, L'I'},
+                                                                    {Xelto::Logging::Level::Warning, L'W'},
+                                                                    {Xelto::Logging::Level::Error, L'E'}};
     std::vector<std::wstring> actual;
     for (const auto& record : records) {
         actual.push_back(std::wstring(1, levels.at(record.level)) + L":" + record.text);
@@ -761,7 +762,8 @@ TEST(FaultTable, RowsNameListedPointsAndInjectWhereTheyClaim)
             for (const Fault& fault : row.faults) {
                 injected = injected || function == fault.function;
             }
-            EXPECT_TRUE(injected) << "row " << i << " claims " << row.point << " but injects no fault into " << function;
+            EXPECT_TRUE(injected) << "row " << i << " claims " << row.point << " but injects no fault into "
+                                  << function;
         }
     }
 }

@@ -36,11 +36,12 @@ const Entries kIntelLibrary = {"ControlLib.dll|missing", "ctlInit|missing", "for
 const Entries kIntelSetup = {"ctlInit|error", "ctlEnumerateDevices#count|error", "ctlEnumerateDevices#list|error",
                              "ctlEnumerateDisplayOutputs#count|error", "ctlEnumerateDisplayOutputs#list|error"};
 const Entries kIntelProbe = {"ctlGetPowerOptimizationCaps|error", "ctlGetPowerOptimizationSetting#probe|error"};
-const Entries kIntelSwitch = kIntelProbe + Entries{"ctlSetPowerOptimizationSetting|error",
-                                                   "ctlGetPowerOptimizationSetting#read-back|error"};
+const Entries kIntelSwitch =
+    kIntelProbe + Entries{"ctlSetPowerOptimizationSetting|error", "ctlGetPowerOptimizationSetting#read-back|error"};
 const Entries kIntelSupport = Entries{"ctlGetDisplayProperties|error"} + kIntelProbe;
-const Entries kIntelAux = {"ctlGetDisplayProperties|error", "ctlAUXAccess#write1|error", "ctlAUXAccess#write2|error",
-                           "ctlAUXAccess#write3|error",     "ctlAUXAccess#write4|error", "ctlAUXAccess#read-back|error"};
+const Entries kIntelAux = {"ctlGetDisplayProperties|error", "ctlAUXAccess#write1|error",
+                           "ctlAUXAccess#write2|error",     "ctlAUXAccess#write3|error",
+                           "ctlAUXAccess#write4|error",     "ctlAUXAccess#read-back|error"};
 const Entries kIntelClose = {"ctlClose|error"};
 
 // ADL within one WriteAuxDataAmd call. "warning" is a positive ADL result: not ADL_OK, so a
@@ -64,27 +65,20 @@ const Entries kAdl = {"atiadlxx.dll+atiadlxy.dll|missing",
 
 // ADLX: a result of 3 or more fails; 1 and 2 count as success. "success-code" is 1 or 2 answered
 // without the call's output; "already-initialized" the real repeated initialisation.
-const Entries kAdlxInit = {"amdadlx64.dll|missing",
-                           "ADLXInitializeWithIncompatibleDriver|missing",
-                           "ADLXQueryFullVersion|error",
-                           "ADLXQueryVersion|error",
-                           "ADLXInitialize|error",
-                           "ADLXInitialize|already-initialized",
-                           "GetDisplaysServices|error",
-                           "GetDisplaysServices|success-code",
-                           "ADLXTerminate|error",
-                           "GetDisplays|error",
-                           "GetDisplays|success-code",
-                           "At|error"};
+const Entries kAdlxInit = {"amdadlx64.dll|missing",      "ADLXInitializeWithIncompatibleDriver|missing",
+                           "ADLXQueryFullVersion|error", "ADLXQueryVersion|error",
+                           "ADLXInitialize|error",       "ADLXInitialize|already-initialized",
+                           "GetDisplaysServices|error",  "GetDisplaysServices|success-code",
+                           "ADLXTerminate|error",        "GetDisplays|error",
+                           "GetDisplays|success-code",   "At|error"};
 const Entries kAdlxVariBright = {"GetVariBright|error", "GetVariBright|success-code"};
 
 // The settings store: the writers meet a key they cannot open, or cannot create; the readers
 // also meet values of another type or size.
 const Entries kRegistryWriter = {"RegOpenKeyExW|access-denied", "RegCreateKeyExW|child-must-be-volatile"};
-const Entries kRegistryReader = kRegistryWriter + Entries{"RegQueryValueExW|REG_SZ-1", "RegQueryValueExW|REG_SZ-10",
-                                                          "RegQueryValueExW|REG_BINARY",
-                                                          "RegQueryValueExW|REG_DWORD-8-bytes",
-                                                          "RegQueryValueExW|REG_QWORD"};
+const Entries kRegistryReader =
+    kRegistryWriter + Entries{"RegQueryValueExW|REG_SZ-1", "RegQueryValueExW|REG_SZ-10", "RegQueryValueExW|REG_BINARY",
+                              "RegQueryValueExW|REG_DWORD-8-bytes", "RegQueryValueExW|REG_QWORD"};
 
 Entries AllPoints()
 {

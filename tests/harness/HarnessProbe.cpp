@@ -12,42 +12,50 @@ namespace {
 // Reads through a null pointer when the process exits, after GoogleTest has written its
 // report, if a test asked for it: a crash that only the exit code can show.
 struct CrashAtExit {
-  bool armed = false;
-  ~CrashAtExit() {
-    if (armed) {
-      volatile int* nowhere = nullptr;
-      *nowhere = 1;
+    bool armed = false;
+    ~CrashAtExit()
+    {
+        if (armed) {
+            volatile int* nowhere = nullptr;
+            *nowhere = 1;
+        }
     }
-  }
 } g_crashAtExit;
 
-TEST(Probe, Passes) {
-  EXPECT_EQ(2 + 2, 4);
+TEST(Probe, Passes)
+{
+    EXPECT_EQ(2 + 2, 4);
 }
 
-TEST(Probe, Fails) {
-  EXPECT_EQ(2 + 2, 5);
+TEST(Probe, Fails)
+{
+    EXPECT_EQ(2 + 2, 5);
 }
 
-TEST(Probe, CrashesOnNullRead) {
-  volatile int* nowhere = nullptr;
-  EXPECT_EQ(*nowhere, 0);
+TEST(Probe, CrashesOnNullRead)
+{
+    volatile int* nowhere = nullptr;
+    EXPECT_EQ(*nowhere, 0);
 }
 
-TEST(Probe, ExitsEarlyWithZero) {
-  std::exit(0);
+TEST(Probe, ExitsEarlyWithZero)
+{
+    std::exit(0);
 }
 
-TEST(Probe, TerminatesWithZero) {
-  TerminateProcess(GetCurrentProcess(), 0);
+TEST(Probe, TerminatesWithZero)
+{
+    TerminateProcess(GetCurrentProcess(), 0);
 }
 
-TEST(Probe, CrashesAtExit) {
-  g_crashAtExit.armed = true;
+TEST(Probe, CrashesAtExit)
+{
+    g_crashAtExit.armed = true;
 }
 
-TEST(Probe, Hangs) {
-  Sleep(INFINITE);
+TEST(Probe, Hangs)
+{
+    Sleep(INFINITE);
 }
 
 }  // namespace

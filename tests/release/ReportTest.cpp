@@ -112,7 +112,8 @@ std::string Compact(const rapidjson::Value& value)
     std::string text = "{";
     for (auto member = value.MemberBegin(); member != value.MemberEnd(); ++member) {
         text += (text.size() > 1 ? ",\"" : "\"") + std::string(member->name.GetString()) + "\":";
-        text += member->value.IsBool() ? (member->value.GetBool() ? "true" : "false") : std::to_string(member->value.GetInt());
+        text += member->value.IsBool() ? (member->value.GetBool() ? "true" : "false")
+                                       : std::to_string(member->value.GetInt());
     }
     return text + "}";
 }
@@ -169,21 +170,25 @@ TEST_P(FieldReport, ReadsOnlyAndDescribesTheLaptop)
     EXPECT_EQ(Member(report["log"][0], "text"), "Opening startup_task in LumavenService\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Laptops, FieldReport,
-    testing::Values(
-        Laptop{"intel-laptop", 1, "Intel", {0, 0, 0, 0, 0},
-               {"{\"result\":true}", "{\"result\":0}", "{\"result\":true}", "{\"result\":true,\"result\":true}",
-                "{\"result\":false}"}},
-        // No Intel library: the OPST probe (8) cannot set up its session.
-        Laptop{"amd-laptop", 2, "AMD", {0, 0, 0x20000005, 0, 0},
-               {"{\"result\":true}", "{\"result\":0}", "{}", "{\"result\":true}",
-                "{\"result\":true}"}}),
-    [](const testing::TestParamInfo<Laptop>& info) {
-        std::string name = info.param.profile;
-        name.erase(name.find('-'), 1);
-        return name;
-    });
+INSTANTIATE_TEST_SUITE_P(Laptops, FieldReport,
+                         testing::Values(Laptop{"intel-laptop",
+                                                1,
+                                                "Intel",
+                                                {0, 0, 0, 0, 0},
+                                                {"{\"result\":true}", "{\"result\":0}", "{\"result\":true}",
+                                                 "{\"result\":true,\"result\":true}", "{\"result\":false}"}},
+                                         // No Intel library: the OPST probe (8) cannot set up its session.
+                                         Laptop{"amd-laptop",
+                                                2,
+                                                "AMD",
+                                                {0, 0, 0x20000005, 0, 0},
+                                                {"{\"result\":true}", "{\"result\":0}", "{}", "{\"result\":true}",
+                                                 "{\"result\":true}"}}),
+                         [](const testing::TestParamInfo<Laptop>& info) {
+                             std::string name = info.param.profile;
+                             name.erase(name.find('-'), 1);
+                             return name;
+                         });
 
 TEST(FieldReportOnADesktop, SaysTheServiceWasNotCreated)
 {

@@ -22,7 +22,7 @@ const std::wstring kVersion = L"" LUMAVEN_TEST_VERSION;
 
 struct Binary {
     const char* label;
-    bool installed;               // in the install tree, else in the build tree's bin
+    bool installed;                // in the install tree, else in the build tree's bin
     const wchar_t* installFolder;  // below the install tree
     const wchar_t* fileName;
 };

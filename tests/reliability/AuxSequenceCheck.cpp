@@ -115,8 +115,7 @@ void CheckSessions(const std::vector<AuxOp>& ops, AuxTally& tally)
     }
 }
 
-void CheckSequences(const std::vector<AuxOp>& all, const PanelSequences& panel, AuxChannel channel,
-                    AuxTally& tally)
+void CheckSequences(const std::vector<AuxOp>& all, const PanelSequences& panel, AuxChannel channel, AuxTally& tally)
 {
     std::vector<AuxOp> ops;
     for (const AuxOp& op : all) {

@@ -28,7 +28,7 @@ PanelSequences SequencesOf(uint32_t panelId);
 struct AuxTally {
     uint64_t onSequences = 0;
     uint64_t offSequences = 0;
-    uint64_t sessions = 0;    // IGCL (ctlInit..ctlClose) or ADL (Create..Destroy) sessions
+    uint64_t sessions = 0;  // IGCL (ctlInit..ctlClose) or ADL (Create..Destroy) sessions
     uint64_t violations = 0;
     std::vector<std::string> firstViolations;
 

@@ -55,10 +55,9 @@ Outcome Execute(Xelto::Spanlet::Server::Services::XeltoService& service, const F
     if (request.withCallback) {
         callback = [&outcome](uint32_t, const wchar_t*) { ++outcome.callbackCalls; };
     }
-    outcome.status = service.ExecuteCommand(request.nullContext ? nullptr : &context, request.command,
-                                            request.nullMessage ? nullptr : request.text.c_str(),
-                                            request.nullOutString ? nullptr : &response, std::move(callback),
-                                            request.extra);
+    outcome.status = service.ExecuteCommand(
+        request.nullContext ? nullptr : &context, request.command, request.nullMessage ? nullptr : request.text.c_str(),
+        request.nullOutString ? nullptr : &response, std::move(callback), request.extra);
     outcome.outStringTouched = response != kUntouched;
     if (outcome.outStringTouched && response != nullptr) {
         outcome.hasResponse = true;

@@ -117,7 +117,7 @@ TEST(AuxLogCheck, FindsASequenceCutShort)
 
 TEST(AuxLogCheck, FindsWritesThatAreNoSequenceOfTheFittedPanel)
 {
-    const std::vector<std::string> records{kAdlCreate, AmdAux(0x045C, "06"), AmdAux(0x0454, "18"),
+    const std::vector<std::string> records{kAdlCreate,           AmdAux(0x045C, "06"), AmdAux(0x0454, "18"),
                                            AmdAux(0x0453, "41"), AmdAux(0x045A, "80"), AmdAux(0x045B, "40"),
                                            kAdlDestroy};
     EXPECT_GT(Check(records, kAmdLaptop).violations, 0u);
@@ -125,8 +125,8 @@ TEST(AuxLogCheck, FindsWritesThatAreNoSequenceOfTheFittedPanel)
 
 TEST(AuxLogCheck, WantsTheIntelReadBackRightAfterTheSequence)
 {
-    const AuxTally good = Check({kCtlInit, IntelAux("write", 0x4027, "C0"), IntelAux("read", 0x4027, "C0"), kCtlClose},
-                                kIntelLaptop);
+    const AuxTally good =
+        Check({kCtlInit, IntelAux("write", 0x4027, "C0"), IntelAux("read", 0x4027, "C0"), kCtlClose}, kIntelLaptop);
     EXPECT_EQ(good.violations, 0u) << JoinLines(good.firstViolations);
     EXPECT_EQ(good.onSequences, 1u);
 
@@ -274,8 +274,9 @@ TEST(WatchdogProbe, DISABLED_DeadlockEndsTheProcess)
 
 TEST(Watchdog, EndsAHungRunWithAFailureCode)
 {
-    const LumavenTest::ProcessResult result = LumavenTest::RunProgram(
-        L"reliability_tests.exe --gtest_also_run_disabled_tests --gtest_filter=WatchdogProbe.DISABLED_DeadlockEndsTheProcess");
+    const LumavenTest::ProcessResult result =
+        LumavenTest::RunProgram(L"reliability_tests.exe --gtest_also_run_disabled_tests "
+                                L"--gtest_filter=WatchdogProbe.DISABLED_DeadlockEndsTheProcess");
     EXPECT_EQ(result.exitCode, kHangExitCode) << result.output;
     EXPECT_NE(result.output.find("hangs=1"), std::string::npos) << result.output;
 }

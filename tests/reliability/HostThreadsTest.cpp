@@ -156,9 +156,9 @@ TEST_P(HostThreads, EightThreadsNeitherHangNorInterleavePanelWrites)
                         laptop.profile, static_cast<unsigned long long>(RunSeed()), kThreads,
                         static_cast<unsigned long long>(perThread), static_cast<unsigned long long>(figures.commands),
                         static_cast<unsigned long long>(figures.vendorCommands),
-                        static_cast<unsigned long long>(figures.events), static_cast<unsigned long long>(lines.Count(0)),
-                        amd ? "10-beside-11/12" : "none", tally.Statuses().c_str(),
-                        static_cast<unsigned long long>(tally.Problems()),
+                        static_cast<unsigned long long>(figures.events),
+                        static_cast<unsigned long long>(lines.Count(0)), amd ? "10-beside-11/12" : "none",
+                        tally.Statuses().c_str(), static_cast<unsigned long long>(tally.Problems()),
                         static_cast<unsigned long long>(oled.Problems()), aux.Figures().c_str(),
                         static_cast<long long>(std::chrono::seconds(kRoundBound).count()),
                         static_cast<unsigned long long>(kRoundLength), clock.Seconds()));

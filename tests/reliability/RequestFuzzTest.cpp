@@ -66,9 +66,9 @@ TEST_P(RequestFuzz, EveryRequestIsAnsweredByTheRulesAndThePanelGetsOnlyWholeSequ
     figures += Format(" reached-handler=%llu statuses=%s problems=%llu oled-problems=%llu %s log-lines=%llu heap=%s "
                       "crashes=0 elapsed=%.1fs",
                       static_cast<unsigned long long>(handled), tally.Statuses().c_str(),
-                      static_cast<unsigned long long>(tally.Problems()), static_cast<unsigned long long>(oled.Problems()),
-                      aux.Figures().c_str(), static_cast<unsigned long long>(lines.Lines()),
-                      heapValid ? "valid" : "CORRUPT", clock.Seconds());
+                      static_cast<unsigned long long>(tally.Problems()),
+                      static_cast<unsigned long long>(oled.Problems()), aux.Figures().c_str(),
+                      static_cast<unsigned long long>(lines.Lines()), heapValid ? "valid" : "CORRUPT", clock.Seconds());
     PrintSummary("fuzz", figures);
 
     EXPECT_EQ(tally.Problems(), 0u) << "repeat with LUMAVEN_SEED=" << RunSeed() << JoinLines(tally.FirstProblems());
@@ -79,5 +79,4 @@ TEST_P(RequestFuzz, EveryRequestIsAnsweredByTheRulesAndThePanelGetsOnlyWholeSequ
     EXPECT_TRUE(CheckOledValue().empty()) << CheckOledValue();
 }
 
-INSTANTIATE_TEST_SUITE_P(ShippedLaptops, RequestFuzz, ::testing::Values(kIntelLaptop, kAmdLaptop),
-                         LaptopTestName());
+INSTANTIATE_TEST_SUITE_P(ShippedLaptops, RequestFuzz, ::testing::Values(kIntelLaptop, kAmdLaptop), LaptopTestName());

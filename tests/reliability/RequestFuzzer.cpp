@@ -13,36 +13,78 @@ namespace {
 using Encoding = rapidjson::UTF16<wchar_t>;
 
 // Numbers the parser must take or refuse at the edges of its ranges.
-constexpr std::array<const wchar_t*, 28> kEdgeNumbers = {
-    L"0", L"-0", L"1", L"-1", L"2147483647", L"-2147483648", L"4294967295", L"4294967296",
-    L"9223372036854775807", L"-9223372036854775808", L"-9223372036854775809", L"18446744073709551615",
-    L"18446744073709551616", L"1.7976931348623157e308", L"-1.7976931348623157e308", L"1e308", L"1e309",
-    L"-1e309", L"4.9e-324", L"2.2250738585072014e-308", L"1e-400", L"0.0000000000000000000000000000001",
-    L"123456789012345678901234567890123456789", L"1E+2", L"1e-0", L"0.5", L"3.141592653589793238462643383279",
-    L"-0.0e-0"};
+constexpr std::array<const wchar_t*, 28> kEdgeNumbers = {L"0",
+                                                         L"-0",
+                                                         L"1",
+                                                         L"-1",
+                                                         L"2147483647",
+                                                         L"-2147483648",
+                                                         L"4294967295",
+                                                         L"4294967296",
+                                                         L"9223372036854775807",
+                                                         L"-9223372036854775808",
+                                                         L"-9223372036854775809",
+                                                         L"18446744073709551615",
+                                                         L"18446744073709551616",
+                                                         L"1.7976931348623157e308",
+                                                         L"-1.7976931348623157e308",
+                                                         L"1e308",
+                                                         L"1e309",
+                                                         L"-1e309",
+                                                         L"4.9e-324",
+                                                         L"2.2250738585072014e-308",
+                                                         L"1e-400",
+                                                         L"0.0000000000000000000000000000001",
+                                                         L"123456789012345678901234567890123456789",
+                                                         L"1E+2",
+                                                         L"1e-0",
+                                                         L"0.5",
+                                                         L"3.141592653589793238462643383279",
+                                                         L"-0.0e-0"};
 // Spellings that are not JSON numbers.
-constexpr std::array<const wchar_t*, 12> kBadNumbers = {L"01",  L"1.",  L".5",       L"+1",        L"-",   L"1e",
+constexpr std::array<const wchar_t*, 12> kBadNumbers = {L"01",  L"1.",   L".5",  L"+1",       L"-",         L"1e",
                                                         L"1e+", L"0x10", L"NaN", L"Infinity", L"-Infinity", L"1_000"};
 // Member names that look like the one the set commands read, and some that are it.
 constexpr std::array<const wchar_t*, 12> kKeys = {
-    L"\"BValue\"",      L"\"BValue\"",  L"\"BValue\"", L"\"\\u0042Value\"", L"\"BValu\\u0065\"", L"\"bvalue\"",
-    L"\"BValue \"",     L"\"BVALUE\"",  L"\"result\"", L"\"BValue\\u0000\"", L"\"\"",             L"\"value\""};
+    L"\"BValue\"",       L"\"BValue\"",        L"\"BValue\"",  L"\"\\u0042Value\"",
+    L"\"BValu\\u0065\"", L"\"bvalue\"",        L"\"BValue \"", L"\"BVALUE\"",
+    L"\"result\"",       L"\"BValue\\u0000\"", L"\"\"",        L"\"value\""};
 // Values a set command may find under "BValue".
-constexpr std::array<const wchar_t*, 16> kBValues = {
-    L"true",   L"false", L"null", L"0",  L"1",           L"-1",          L"\"true\"",    L"\"\"",
-    L"[]",     L"{}",    L"[true]", L"{\"BValue\":true}", L"1e308", L"\"\\u0000\"", L"\"\\uD83D\\uDE00\"", L"1e-400"};
+constexpr std::array<const wchar_t*, 16> kBValues = {L"true",     L"false",       L"null",
+                                                     L"0",        L"1",           L"-1",
+                                                     L"\"true\"", L"\"\"",        L"[]",
+                                                     L"{}",       L"[true]",      L"{\"BValue\":true}",
+                                                     L"1e308",    L"\"\\u0000\"", L"\"\\uD83D\\uDE00\"",
+                                                     L"1e-400"};
 // Texts that are broken in one known way each.
-constexpr std::array<const wchar_t*, 24> kBrokenTexts = {
-    L"",                        L" \t\r\n",                 L"{}{}",                  L"{} {}",
-    L"[] x",                    L"{\"BValue\":tru}",        L"{\"BValue\":True}",     L"{\"BValue\" true}",
-    L"{'BValue':true}",         L"{\"BValue\":true,}",      L"[1,]",                  L"\"\\uD800\"",
-    L"\"\\uD800\\u0041\"",      L"\"\\x41\"",               L"\"abc",                 L"/* note */{}",
-    L"{\"BValue\":true",        L"{\"BValue\":true]",       L"[\"a\":1]",             L"{1:true}",
-    L"{\"BValue\":undefined}",  L"\"\\u12\"",               L"{\"a\" : \"b\" \"c\"}", L"\xFEFF{}"};
+constexpr std::array<const wchar_t*, 24> kBrokenTexts = {L"",
+                                                         L" \t\r\n",
+                                                         L"{}{}",
+                                                         L"{} {}",
+                                                         L"[] x",
+                                                         L"{\"BValue\":tru}",
+                                                         L"{\"BValue\":True}",
+                                                         L"{\"BValue\" true}",
+                                                         L"{'BValue':true}",
+                                                         L"{\"BValue\":true,}",
+                                                         L"[1,]",
+                                                         L"\"\\uD800\"",
+                                                         L"\"\\uD800\\u0041\"",
+                                                         L"\"\\x41\"",
+                                                         L"\"abc",
+                                                         L"/* note */{}",
+                                                         L"{\"BValue\":true",
+                                                         L"{\"BValue\":true]",
+                                                         L"[\"a\":1]",
+                                                         L"{1:true}",
+                                                         L"{\"BValue\":undefined}",
+                                                         L"\"\\u12\"",
+                                                         L"{\"a\" : \"b\" \"c\"}",
+                                                         L"\xFEFF{}"};
 // Pieces dropped into texts by the mutator.
-constexpr std::array<const wchar_t*, 16> kInsertions = {L"{",    L"}",     L"[",   L"]",   L",",      L":",
-                                                        L"\"",   L"\\",    L"\\u", L"tru", L"\\uD800", L"nul",
-                                                        L"\x01", L"\xFFFF", L" ",  L"\"BValue\":"};
+constexpr std::array<const wchar_t*, 16> kInsertions = {L"{",    L"}",      L"[",   L"]",          L",",       L":",
+                                                        L"\"",   L"\\",     L"\\u", L"tru",        L"\\uD800", L"nul",
+                                                        L"\x01", L"\xFFFF", L" ",   L"\"BValue\":"};
 
 template <class Array>
 const wchar_t* Pick(Rng& rng, const Array& array)
@@ -330,8 +372,8 @@ std::wstring RequestFuzzer::AnyValue(int depth)
     default: {
         std::wstring text = L"{";
         for (uint64_t i = m_rng.Below(5); i > 0; --i) {
-            text += (m_rng.Chance(400) ? BValueKey() : StringLiteral()) + L":" + AnyValue(depth + 1) +
-                    (i > 1 ? L"," : L"");
+            text +=
+                (m_rng.Chance(400) ? BValueKey() : StringLiteral()) + L":" + AnyValue(depth + 1) + (i > 1 ? L"," : L"");
         }
         return text + L"}";
     }

@@ -54,8 +54,8 @@ public:
 
     // The text generators, each of which keeps its promise (checked with IsWellFormedJson).
     std::wstring WellFormedText();
-    std::wstring SetRequestText();        // an object around "BValue", with any kind of value
-    std::wstring WithoutUsableBValue();   // well-formed, but "BValue" missing or null
+    std::wstring SetRequestText();       // an object around "BValue", with any kind of value
+    std::wstring WithoutUsableBValue();  // well-formed, but "BValue" missing or null
     std::wstring MalformedText();
 
 private:

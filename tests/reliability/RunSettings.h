@@ -24,10 +24,7 @@ void PrintSummary(const std::string& suite, const std::string& figures);
 class Stopwatch {
 public:
     Stopwatch() : m_start(std::chrono::steady_clock::now()) {}
-    double Seconds() const
-    {
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - m_start).count();
-    }
+    double Seconds() const { return std::chrono::duration<double>(std::chrono::steady_clock::now() - m_start).count(); }
 
 private:
     std::chrono::steady_clock::time_point m_start;

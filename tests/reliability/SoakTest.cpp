@@ -56,8 +56,8 @@ constexpr uint64_t kAuxCheckInterval = 1000;
 class SoakRun {
 public:
     SoakRun(const Laptop& laptop, LumavenTest::HostedService& host)
-        : m_laptop(laptop), m_host(host), m_workload(DeriveSeed(RunSeed(), 300 + static_cast<uint64_t>(laptop.channel)),
-                                                     kSoakMix, ~0ull)
+        : m_laptop(laptop), m_host(host),
+          m_workload(DeriveSeed(RunSeed(), 300 + static_cast<uint64_t>(laptop.channel)), kSoakMix, ~0ull)
     {
     }
 
@@ -65,8 +65,10 @@ public:
     {
         const Operation operation = m_workload.Next();
         const FuzzRequest& request = operation.request;
-        if (RunChecked(m_host.Service(), request, m_commands++, m_tally).reachedHandler && MayStoreOled(request.command)) {
-            m_oled.Check(Format("request #%llu: ", static_cast<unsigned long long>(m_commands - 1)) + Describe(request));
+        if (RunChecked(m_host.Service(), request, m_commands++, m_tally).reachedHandler &&
+            MayStoreOled(request.command)) {
+            m_oled.Check(Format("request #%llu: ", static_cast<unsigned long long>(m_commands - 1)) +
+                         Describe(request));
         }
         if (m_commands % kAuxCheckInterval == 0) {
             CheckAndClearAuxLog(m_laptop, m_aux);
@@ -259,26 +261,26 @@ TEST_P(Soak, CommandsAndEventsLeaveMemoryAndHandlesFlat)
     const int64_t privateGrowth = static_cast<int64_t>(end.privateBytes) - static_cast<int64_t>(warm.privateBytes);
     const int64_t handleGrowth = static_cast<int64_t>(end.handles) - static_cast<int64_t>(warm.handles);
     const int64_t tlsGrowth = static_cast<int64_t>(end.tlsIndex) - static_cast<int64_t>(warm.tlsIndex);
-    PrintSummary("soak",
-                 Format("laptop=%s seed=%llu commands=%llu events=%llu (after %llu commands and %llu events of warm-up) "
-                        "reapplies=%llu oled-stored-off-before-events=%llu statuses=%s problems=%llu oled-problems=%llu "
-                        "%s adlx-objects-left-at-unload=%lld crashes=0",
-                        laptop.profile, static_cast<unsigned long long>(RunSeed()),
-                        static_cast<unsigned long long>(run.Commands() - warmUpCommands),
-                        static_cast<unsigned long long>(run.Events() - warmUpEvents),
-                        static_cast<unsigned long long>(warmUpCommands), static_cast<unsigned long long>(warmUpEvents),
-                        static_cast<unsigned long long>(reapplies), static_cast<unsigned long long>(run.StoredOff()),
-                        run.Tally().Statuses().c_str(), static_cast<unsigned long long>(run.Tally().Problems()),
-                        static_cast<unsigned long long>(run.Oled().Problems()), run.Aux().Figures().c_str(),
-                        static_cast<long long>(adlxOrphans)) +
-                     " before-warm-up: " + Describe(start) + " after-warm-up: " + Describe(warm) +
-                     " end: " + Describe(end) + " after-unload: " + Describe(unloaded) +
-                     Format(" growth: private=%lld handles=%lld tls=%lld bound: private<%lld handles<%lld tls<=%lld "
-                            "(private from %s, handles from %s) elapsed=%.1fs",
-                            static_cast<long long>(privateGrowth), static_cast<long long>(handleGrowth),
-                            static_cast<long long>(tlsGrowth), static_cast<long long>(kPrivateBytesBound),
-                            static_cast<long long>(kHandleBound), static_cast<long long>(kTlsBound), end.privateSource,
-                            end.handleSource, elapsed));
+    PrintSummary(
+        "soak", Format("laptop=%s seed=%llu commands=%llu events=%llu (after %llu commands and %llu events of warm-up) "
+                       "reapplies=%llu oled-stored-off-before-events=%llu statuses=%s problems=%llu oled-problems=%llu "
+                       "%s adlx-objects-left-at-unload=%lld crashes=0",
+                       laptop.profile, static_cast<unsigned long long>(RunSeed()),
+                       static_cast<unsigned long long>(run.Commands() - warmUpCommands),
+                       static_cast<unsigned long long>(run.Events() - warmUpEvents),
+                       static_cast<unsigned long long>(warmUpCommands), static_cast<unsigned long long>(warmUpEvents),
+                       static_cast<unsigned long long>(reapplies), static_cast<unsigned long long>(run.StoredOff()),
+                       run.Tally().Statuses().c_str(), static_cast<unsigned long long>(run.Tally().Problems()),
+                       static_cast<unsigned long long>(run.Oled().Problems()), run.Aux().Figures().c_str(),
+                       static_cast<long long>(adlxOrphans)) +
+                    " before-warm-up: " + Describe(start) + " after-warm-up: " + Describe(warm) +
+                    " end: " + Describe(end) + " after-unload: " + Describe(unloaded) +
+                    Format(" growth: private=%lld handles=%lld tls=%lld bound: private<%lld handles<%lld tls<=%lld "
+                           "(private from %s, handles from %s) elapsed=%.1fs",
+                           static_cast<long long>(privateGrowth), static_cast<long long>(handleGrowth),
+                           static_cast<long long>(tlsGrowth), static_cast<long long>(kPrivateBytesBound),
+                           static_cast<long long>(kHandleBound), static_cast<long long>(kTlsBound), end.privateSource,
+                           end.handleSource, elapsed));
 
     ASSERT_GT(warm.privateBytes, 0u) << "the private bytes cannot be read: the bound would prove nothing";
     ASSERT_GT(warm.handles, 0u) << "the handle count cannot be read: the bound would prove nothing";

@@ -42,7 +42,9 @@ Operation Workload::NextEvent()
     Operation operation;
     operation.isEvent = true;
     const uint64_t which = m_rng.Below(100);
-    operation.setting = which < 35 ? kDisplayState : which < 60 ? kLidSwitch : kUnrelatedSettings[m_rng.Below(kUnrelated)];
+    operation.setting = which < 35   ? kDisplayState
+                        : which < 60 ? kLidSwitch
+                                     : kUnrelatedSettings[m_rng.Below(kUnrelated)];
     const uint64_t data = m_rng.Below(100);
     operation.data = data < 45 ? 0 : data < 90 ? 1 : static_cast<uint8_t>(m_rng.Between(2, 255));
     if (operation.data == 1 && IsDisplayOrLid(operation.setting)) {

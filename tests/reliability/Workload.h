@@ -12,9 +12,9 @@ namespace LumavenReliability {
 
 struct Operation {
     bool isEvent = false;
-    FuzzRequest request;   // a command
-    GUID setting{};        // an event: the power setting
-    uint8_t data = 0;      // ... and its first data byte
+    FuzzRequest request;  // a command
+    GUID setting{};       // an event: the power setting
+    uint8_t data = 0;     // ... and its first data byte
 };
 
 // Shares per 1,000 operations.

@@ -38,11 +38,10 @@ struct FloorCase {
 };
 
 const FloorCase kCases[] = {
-    {1, kOn, 0, nullptr},   {2, kOn, 3, kOn},        {3, kOn, 2, kOn},   {4, kOn, 0, nullptr},
-    {5, kOn, 6, kOn},       {6, kOn, 5, kOn},        {7, kOn, 0, nullptr}, {8, kOn, 0, nullptr},
-    {9, kOn, 9, kOff},      {9, kOff, 9, kOn},       {10, kOn, 0, nullptr}, {11, kOn, 12, kOn},
-    {12, kOn, 11, kOn},     {13, kOn, 0, nullptr},   {14, kOn, 14, kOff}, {14, kOff, 14, kOn},
-    {15, kOn, 0, nullptr},
+    {1, kOn, 0, nullptr},  {2, kOn, 3, kOn},      {3, kOn, 2, kOn},     {4, kOn, 0, nullptr},  {5, kOn, 6, kOn},
+    {6, kOn, 5, kOn},      {7, kOn, 0, nullptr},  {8, kOn, 0, nullptr}, {9, kOn, 9, kOff},     {9, kOff, 9, kOn},
+    {10, kOn, 0, nullptr}, {11, kOn, 12, kOn},    {12, kOn, 11, kOn},   {13, kOn, 0, nullptr}, {14, kOn, 14, kOff},
+    {14, kOff, 14, kOn},   {15, kOn, 0, nullptr},
 };
 
 // The vendor calls logged since the last clear, each as its record without the raw argument
@@ -101,8 +100,8 @@ void ExpectFloorsMatchCommands(const char* laptop, size_t minimumCalls)
             const Effect command = EffectOf(service, c, [&] { service.Run(c.command, c.request); });
             const Effect floor = EffectOf(service, c, [&] { floors->Command(c.command, c.request == kOn); });
             EXPECT_TRUE(command.calls == floor.calls) << laptop << ", command " << c.command << "\ncommand:\n"
-                                                  << Lines(command.calls) << "floor:\n"
-                                                  << Lines(floor.calls);
+                                                      << Lines(command.calls) << "floor:\n"
+                                                      << Lines(floor.calls);
             EXPECT_EQ(command.oled, floor.oled) << laptop << ", command " << c.command;
             totalCalls += command.calls.size();
         }
@@ -145,9 +144,9 @@ TEST(HostBench, PrintsARowForEveryCommandTheEventAndTheStartUp)
     LumavenTest::InstallShippedProfile("amd-laptop");
     const auto result = LumavenTest::RunProgram(L"xelto-host.exe --quiet bench 1");
     EXPECT_EQ(result.exitCode, 0u) << result.output;
-    for (const char* row : {"1 _GetOpst", "4 GetIfSystemSupportsOled", "9 SetElp on", "9 SetElp off",
-                            "11 _SetOLEDPowerSaveON", "14 _SetVaribright off", "15 (unsupported)",
-                            "event display-on", "start-up (factory + startup_task)"}) {
+    for (const char* row :
+         {"1 _GetOpst", "4 GetIfSystemSupportsOled", "9 SetElp on", "9 SetElp off", "11 _SetOLEDPowerSaveON",
+          "14 _SetVaribright off", "15 (unsupported)", "event display-on", "start-up (factory + startup_task)"}) {
         EXPECT_NE(result.output.find("\n" + std::string(row)), std::string::npos) << row << "\n" << result.output;
     }
     EXPECT_NE(result.output.find("json + ADL load + AUX write + reg write"), std::string::npos) << result.output;

@@ -90,14 +90,14 @@ TEST(ControlLibExports, EveryExportedForwarderReachesTheDriverUnchanged)
     ASSERT_EQ(init(&args, &api), CTL_RESULT_SUCCESS);
 
     int index = 0;
-#define LUMAVEN_PROVE_EXPORT(name, ...)                                                                  \
-    {                                                                                                    \
-        const auto forwarder = Export<ctl_result_t(CTL_APICALL*)(__VA_ARGS__)>(service.get(), #name);    \
-        EXPECT_NE(forwarder, nullptr) << #name;                                                          \
-        if (forwarder != nullptr) {                                                                      \
-            Proof::Prove(#name, forwarder, index);                                                       \
-        }                                                                                                \
-        ++index;                                                                                         \
+#define LUMAVEN_PROVE_EXPORT(name, ...)                                                               \
+    {                                                                                                 \
+        const auto forwarder = Export<ctl_result_t(CTL_APICALL*)(__VA_ARGS__)>(service.get(), #name); \
+        EXPECT_NE(forwarder, nullptr) << #name;                                                       \
+        if (forwarder != nullptr) {                                                                   \
+            Proof::Prove(#name, forwarder, index);                                                    \
+        }                                                                                             \
+        ++index;                                                                                      \
     }
     LUMAVEN_CTL_FUNCTIONS(LUMAVEN_CTL_NOTHING, LUMAVEN_PROVE_EXPORT)
 #undef LUMAVEN_PROVE_EXPORT
@@ -119,7 +119,8 @@ TEST(ControlLibExports, TheDllExportsTheFactoryAndTheControlLibraryByTheirOwnNam
         LumavenTest::ExportedNames(LumavenTest::ExecutableDirectory() + L"\\LumavenService.dll");
     std::sort(exported.begin(), exported.end());
     std::vector<std::string> missing;
-    std::set_difference(expected.begin(), expected.end(), exported.begin(), exported.end(), std::back_inserter(missing));
+    std::set_difference(expected.begin(), expected.end(), exported.begin(), exported.end(),
+                        std::back_inserter(missing));
     std::vector<std::string> extra;
     std::set_difference(exported.begin(), exported.end(), expected.begin(), expected.end(), std::back_inserter(extra));
     EXPECT_EQ(missing, std::vector<std::string>{}) << "not exported";

@@ -68,9 +68,9 @@ TEST(HostContract, HostIsRefusedOnTheDesktopWithExactlyOneLogLine)
     const auto result = RunProgram(L"xelto-host.exe create");
     EXPECT_EQ(result.exitCode, 3u) << result.output;
     EXPECT_EQ(CountLines(result.output, "  log "), 1u) << result.output;
-    EXPECT_NE(result.output.find(
-                  "  log INFO: LumavenService cannot be initialized as it is running on unsupported platform"),
-              std::string::npos)
+    EXPECT_NE(
+        result.output.find("  log INFO: LumavenService cannot be initialized as it is running on unsupported platform"),
+        std::string::npos)
         << result.output;
     EXPECT_NE(result.output.find("xelto-host: the service is unavailable"), std::string::npos) << result.output;
 }

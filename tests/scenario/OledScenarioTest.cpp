@@ -221,7 +221,8 @@ TEST_F(AmdLaptop, PowerSaveOnWritesThePanelThroughAdapterZeroDisplayZero)
     EXPECT_STREQ(AdlxDisplay(state)["varibrightMode"].GetString(), "maximizeBattery");
     EXPECT_EQ(AuxWrites(), (std::vector<std::string>{"045C=06", "0454=18", "0453=41", "045A=C0", "045B=40"}));
     for (const auto& record : LumavenTest::Transactions()) {
-        if (record.HasMember("call") && std::string(record["call"].GetString()) == "ADL2_Display_NativeAUXChannel_Access") {
+        if (record.HasMember("call") &&
+            std::string(record["call"].GetString()) == "ADL2_Display_NativeAUXChannel_Access") {
             EXPECT_EQ(record["adapter"].GetInt(), 0);
             EXPECT_EQ(record["display"].GetInt(), 0);
             EXPECT_EQ(record["size"].GetInt(), 36);

@@ -35,7 +35,10 @@ inline std::vector<std::string> ForwardedNames()
 #undef LUMAVEN_PROOF_NAME
 
 // The code the simulated driver answers for the index-th forwarded entry point.
-inline uint32_t DriverResult(int index) { return 0x7E500000u + static_cast<uint32_t>(index); }
+inline uint32_t DriverResult(int index)
+{
+    return 0x7E500000u + static_cast<uint32_t>(index);
+}
 
 // A profile that installs `library` (a file of bin\sim) as ControlLib.dll and makes each
 // forwarded entry point answer its own code before it looks at any argument.
@@ -48,8 +51,8 @@ inline std::string Profile(const std::string& library)
                   "\",\"code\":" + std::to_string(DriverResult(index)) + "}";
         ++index;
     }
-    return "{\"libraries\":{\"ControlLib.dll\":\"" + library + "\"},\"intel\":{\"adapters\":[]},\"faults\":[" +
-           faults + "]}";
+    return "{\"libraries\":{\"ControlLib.dll\":\"" + library + "\"},\"intel\":{\"adapters\":[]},\"faults\":[" + faults +
+           "]}";
 }
 
 // An argument value of type T that belongs to this entry point and parameter alone.
@@ -128,8 +131,7 @@ ctl_result_t CallDistinct(ctl_result_t(CTL_APICALL* function)(Args...), int inde
 }
 
 template <class... Args, size_t... I>
-void Prove(const std::string& name, ctl_result_t(CTL_APICALL* function)(Args...), int index,
-           std::index_sequence<I...>)
+void Prove(const std::string& name, ctl_result_t(CTL_APICALL* function)(Args...), int index, std::index_sequence<I...>)
 {
     const std::tuple<Args...> args{DistinctArgument<Args>(index, static_cast<int>(I))...};
     LumavenSim::ClearTransactions();

@@ -139,7 +139,8 @@ std::optional<PdbIdentity> ReadPdbIdentity(const std::wstring& path)
 {
     std::ifstream in(path.c_str(), std::ios::binary);
     const std::vector<char> file((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    static constexpr char kMagic[] = "Microsoft C/C++ MSF 7.00\r\n\x1a" "DS\0\0";
+    static constexpr char kMagic[] = "Microsoft C/C++ MSF 7.00\r\n\x1a"
+                                     "DS\0\0";
     struct SuperBlock {
         char magic[32];
         uint32_t blockSize;
@@ -149,8 +150,7 @@ std::optional<PdbIdentity> ReadPdbIdentity(const std::wstring& path)
         uint32_t unknown;
         uint32_t blockMapAddress;
     } super{};
-    if (!ReadAt(file, 0, super) || std::memcmp(super.magic, kMagic, sizeof(super.magic)) != 0 ||
-        super.blockSize == 0) {
+    if (!ReadAt(file, 0, super) || std::memcmp(super.magic, kMagic, sizeof(super.magic)) != 0 || super.blockSize == 0) {
         return std::nullopt;
     }
     const size_t blockSize = super.blockSize;
@@ -159,8 +159,7 @@ std::optional<PdbIdentity> ReadPdbIdentity(const std::wstring& path)
     const size_t directoryBlocks = (super.directoryBytes + blockSize - 1) / blockSize;
     for (size_t i = 0; i < directoryBlocks; ++i) {
         uint32_t block = 0;
-        if (!ReadAt(file, super.blockMapAddress * blockSize + i * 4, block) ||
-            (block + 1) * blockSize > file.size()) {
+        if (!ReadAt(file, super.blockMapAddress * blockSize + i * 4, block) || (block + 1) * blockSize > file.size()) {
             return std::nullopt;
         }
         directory.insert(directory.end(), file.begin() + block * blockSize, file.begin() + (block + 1) * blockSize);

@@ -25,8 +25,8 @@ inline std::vector<std::string> DescribedAdapters()
 {
     std::vector<std::string> descriptions;
     for (const auto& record : Transactions()) {
-        if (record.IsObject() && record.HasMember("lib") && record["lib"] == "dxgi.dll" &&
-            record.HasMember("call") && record["call"] == "IDXGIAdapter::GetDesc" && record.HasMember("description")) {
+        if (record.IsObject() && record.HasMember("lib") && record["lib"] == "dxgi.dll" && record.HasMember("call") &&
+            record["call"] == "IDXGIAdapter::GetDesc" && record.HasMember("description")) {
             descriptions.emplace_back(record["description"].GetString());
         }
     }

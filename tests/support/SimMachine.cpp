@@ -25,7 +25,8 @@ void InstallProfile(const std::string& profileJson)
 
 void InstallShippedProfile(const std::string& name)
 {
-    const std::wstring path = ExecutableDirectory() + L"\\profiles\\" + std::wstring(name.begin(), name.end()) + L".json";
+    const std::wstring path =
+        ExecutableDirectory() + L"\\profiles\\" + std::wstring(name.begin(), name.end()) + L".json";
     const LumavenSim::InstallResult result = LumavenSim::InstallProfileFile(path, ExecutableDirectory() + L"\\sim");
     ASSERT_TRUE(result.ok) << "lumaven-sim install " << name << " failed: " << result.error;
 }

@@ -123,13 +123,17 @@ TEST_F(AdlAuxChannel, WritesThePanelSequenceThroughAdapter0Display0)
 
     EXPECT_EQ(Logged(), (std::vector<std::wstring>{L"nAdapter count=1", L"display count=1", L"Write AUX data"}));
     ExpectAllAtInformationLevel();
-    const std::vector<std::string> expectedCalls = {
-        "ADL2_Main_Control_Create",           "ADL2_Adapter_NumberOfAdapters_Get",
-        "ADL2_Adapter_AdapterInfo_Get",       "ADL2_Display_DisplayInfo_Get",
-        "ADL2_Display_EdidData_Get",          "ADL2_Display_NativeAUXChannel_Access",
-        "ADL2_Display_NativeAUXChannel_Access", "ADL2_Display_NativeAUXChannel_Access",
-        "ADL2_Display_NativeAUXChannel_Access", "ADL2_Display_NativeAUXChannel_Access",
-        "ADL2_Main_Control_Destroy"};
+    const std::vector<std::string> expectedCalls = {"ADL2_Main_Control_Create",
+                                                    "ADL2_Adapter_NumberOfAdapters_Get",
+                                                    "ADL2_Adapter_AdapterInfo_Get",
+                                                    "ADL2_Display_DisplayInfo_Get",
+                                                    "ADL2_Display_EdidData_Get",
+                                                    "ADL2_Display_NativeAUXChannel_Access",
+                                                    "ADL2_Display_NativeAUXChannel_Access",
+                                                    "ADL2_Display_NativeAUXChannel_Access",
+                                                    "ADL2_Display_NativeAUXChannel_Access",
+                                                    "ADL2_Display_NativeAUXChannel_Access",
+                                                    "ADL2_Main_Control_Destroy"};
     EXPECT_EQ(Calls(), expectedCalls);
 
     EXPECT_EQ(Number(RecordsOf("ADL2_Main_Control_Create")[0], "enumConnectedAdapters"), 1);

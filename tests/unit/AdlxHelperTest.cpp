@@ -24,8 +24,8 @@ std::string Laptop(const std::string& displays = R"({"varibrightSupported":true,
                    const std::string& adlxFile = "amdadlx64.dll", const std::string& extra = "")
 {
     std::string libraries = adlxFile.empty() ? "{}" : R"({"amdadlx64.dll":")" + adlxFile + R"("})";
-    return R"({"monitors":[{"panel":"4C836C41"}],"adlx":{"displays":[)" + displays + R"(]},"libraries":)" +
-           libraries + extra + "}";
+    return R"({"monitors":[{"panel":"4C836C41"}],"adlx":{"displays":[)" + displays + R"(]},"libraries":)" + libraries +
+           extra + "}";
 }
 
 bool DisplayFlag(size_t display, const char* name)
@@ -171,9 +171,9 @@ TEST_F(AdlxHelper, InitializeAdlxDisplayTakesTheServicesAndTheFirstDisplay)
     InitializeAdlxDisplay();
     ASSERT_NE(adlxDisplayServices, nullptr);
     ASSERT_NE(adlxDisplay, nullptr);
-    EXPECT_EQ(Calls(), (std::vector<std::string>{"ADLXQueryFullVersion", "ADLXQueryVersion", "ADLXInitialize",
-                                                 "GetDisplaysServices", "GetDisplays", "At", "Release", "Release",
-                                                 "Release"}));
+    EXPECT_EQ(Calls(),
+              (std::vector<std::string>{"ADLXQueryFullVersion", "ADLXQueryVersion", "ADLXInitialize",
+                                        "GetDisplaysServices", "GetDisplays", "At", "Release", "Release", "Release"}));
     // The list is given back once the first display is taken; it lets go of both displays, and
     // the first one lives on through the service's own reference.
     const auto releases = RecordsOf("Release");
@@ -209,9 +209,9 @@ TEST_F(AdlxHelper, SecondInitializeAdlxDisplayReleasesAndReplacesBoth)
     EXPECT_EQ(Number(releases[1], "refs"), 0) << "the first list was given back, so the old display goes";
     EXPECT_EQ(Text(releases[2], "interface"), "IADLXDisplayList");
     EXPECT_EQ(Number(releases[3], "refs"), 1) << "the new display lives on through the service's reference";
-    EXPECT_EQ(Calls(), (std::vector<std::string>{"ADLXQueryFullVersion", "ADLXQueryVersion", "ADLXInitialize", "Release",
-                                                 "GetDisplaysServices", "GetDisplays", "Release", "At", "Release",
-                                                 "Release"}));
+    EXPECT_EQ(Calls(),
+              (std::vector<std::string>{"ADLXQueryFullVersion", "ADLXQueryVersion", "ADLXInitialize", "Release",
+                                        "GetDisplaysServices", "GetDisplays", "Release", "At", "Release", "Release"}));
     EXPECT_TRUE(IsVaribrightSupported()) << "the new objects work";
     EXPECT_EQ(StateNumber("adlx", "loads"), 1);
 }
@@ -230,8 +230,8 @@ TEST_F(AdlxHelper, FailingDisplayServicesTerminateAndTheNextCallLoadsAgain)
     EXPECT_EQ(adlxDisplayServices, nullptr);
     EXPECT_EQ(adlxDisplay.get(), firstDisplay) << "the display is left as it was";
     EXPECT_FALSE(g_ADLXHelp.IsLoaded());
-    EXPECT_EQ(Calls(), (std::vector<std::string>{"ADLXQueryFullVersion", "ADLXQueryVersion", "ADLXInitialize", "Release",
-                                                 "GetDisplaysServices", "ADLXTerminate"}));
+    EXPECT_EQ(Calls(), (std::vector<std::string>{"ADLXQueryFullVersion", "ADLXQueryVersion", "ADLXInitialize",
+                                                 "Release", "GetDisplaysServices", "ADLXTerminate"}));
     EXPECT_EQ(Number(RecordsOf("GetDisplaysServices")[0], "result"), ADLX_FAIL);
     EXPECT_FALSE(Initialized());
     EXPECT_EQ(StateNumber("adlx", "unloads"), 1);
@@ -246,7 +246,8 @@ TEST_F(AdlxHelper, FailingDisplayServicesTerminateAndTheNextCallLoadsAgain)
     EXPECT_EQ(Number(RecordsOf("ADLXInitialize")[0], "result"), ADLX_OK) << "a fresh initialisation";
     const auto calls = Calls();
     const auto taken = std::find(calls.begin(), calls.end(), "At");
-    EXPECT_EQ(std::find(calls.begin(), taken, "Release"), taken) << "the display of the terminated ADLX is not released";
+    EXPECT_EQ(std::find(calls.begin(), taken, "Release"), taken)
+        << "the display of the terminated ADLX is not released";
     ASSERT_NE(adlxDisplayServices, nullptr);
     EXPECT_TRUE(IsVaribrightSupported());
 }
@@ -381,7 +382,8 @@ TEST_F(AdlxHelper, GetVariBrightGivesAnInterfaceForEnableAndMaximizeBattery)
     EXPECT_TRUE(current);
     EXPECT_TRUE(DisplayFlag(0, "varibrightEnabled"));
     EXPECT_EQ(DisplayMode(0), "maximizeBattery");
-    EXPECT_EQ(Calls(), (std::vector<std::string>{"GetVariBright", "SetEnabled", "GetVariBright", "SetMaximizeBattery"}));
+    EXPECT_EQ(Calls(),
+              (std::vector<std::string>{"GetVariBright", "SetEnabled", "GetVariBright", "SetMaximizeBattery"}));
 }
 
 TEST_F(AdlxHelper, ObjectsLeftAtTerminationAreReportedAsOrphans)

@@ -157,16 +157,16 @@ TEST(AdlxTypes, SystemIsNotReferenceCountedAndHasDisplayServicesInSlot3)
 
 TEST(AdlxTypes, DisplayListSlotsFollowTheBaseList)
 {
-    ExpectSlots<IADLXDisplayList, DisplayListProbe>(WithInterfaceSlots(
-        {"Size", "Empty", "Begin", "End", "At", "Clear", "Remove_Back", "Add_Back", "At_DisplayList",
-         "Add_Back_DisplayList"}));
+    ExpectSlots<IADLXDisplayList, DisplayListProbe>(
+        WithInterfaceSlots({"Size", "Empty", "Begin", "End", "At", "Clear", "Remove_Back", "Add_Back", "At_DisplayList",
+                            "Add_Back_DisplayList"}));
 }
 
 TEST(AdlxTypes, DisplaySlots)
 {
-    ExpectSlots<IADLXDisplay, DisplayProbe>(WithInterfaceSlots({"ManufacturerID", "DisplayType", "ConnectorType",
-                                                                "Name", "EDID", "NativeResolution", "RefreshRate",
-                                                                "PixelClock", "ScanType", "GetGPU", "UniqueId"}));
+    ExpectSlots<IADLXDisplay, DisplayProbe>(
+        WithInterfaceSlots({"ManufacturerID", "DisplayType", "ConnectorType", "Name", "EDID", "NativeResolution",
+                            "RefreshRate", "PixelClock", "ScanType", "GetGPU", "UniqueId"}));
 }
 
 TEST(AdlxTypes, DisplayServicesHaveGetDisplaysIn4AndGetVariBrightIn19)

@@ -35,10 +35,14 @@ TEST(AuxDataTable, UnknownIdentitiesAreNotFound)
 
 TEST(AuxDataTable, Panel4160WritesFourRegistersDifferingInOneByte)
 {
-    EXPECT_EQ(Table().at({0x4160834C, true}), (Writes{{0x404B, {0x7C, 0x84, 0xCC}}, {0x4056, {0x17, 0x56, 0xFE}},
-                                                       {0x404E, {0x0C, 0x00, 0x03}}, {0x4054, {0x02}}}));
-    EXPECT_EQ(Table().at({0x4160834C, false}), (Writes{{0x404B, {0x7C, 0x84, 0xCC}}, {0x4056, {0x17, 0x56, 0xF0}},
-                                                        {0x404E, {0x0C, 0x00, 0x03}}, {0x4054, {0x02}}}));
+    EXPECT_EQ(Table().at({0x4160834C, true}), (Writes{{0x404B, {0x7C, 0x84, 0xCC}},
+                                                      {0x4056, {0x17, 0x56, 0xFE}},
+                                                      {0x404E, {0x0C, 0x00, 0x03}},
+                                                      {0x4054, {0x02}}}));
+    EXPECT_EQ(Table().at({0x4160834C, false}), (Writes{{0x404B, {0x7C, 0x84, 0xCC}},
+                                                       {0x4056, {0x17, 0x56, 0xF0}},
+                                                       {0x404E, {0x0C, 0x00, 0x03}},
+                                                       {0x4054, {0x02}}}));
 }
 
 TEST(AuxDataTable, Panel416CWritesFiveSingleBytesInItsOwnOrder)
@@ -52,9 +56,8 @@ TEST(AuxDataTable, Panel416CWritesFiveSingleBytesInItsOwnOrder)
 TEST(AuxDataTable, SingleRegisterPanels)
 {
     const std::vector<std::pair<PanelId, uint32_t>> single = {
-        {0x4174834C, 0x4027}, {0x4166834C, 0x401D}, {0x4170834C, 0x401D}, {0x417C834C, 0x402E},
-        {0x4197834C, 0x402E}, {0x417D834C, 0x402E}, {0x41A6834C, 0x402E}, {0x41AC834C, 0x402E},
-        {0x41AA834C, 0x402E}};
+        {0x4174834C, 0x4027}, {0x4166834C, 0x401D}, {0x4170834C, 0x401D}, {0x417C834C, 0x402E}, {0x4197834C, 0x402E},
+        {0x417D834C, 0x402E}, {0x41A6834C, 0x402E}, {0x41AC834C, 0x402E}, {0x41AA834C, 0x402E}};
     for (const auto& [panel, address] : single) {
         EXPECT_EQ(Table().at({panel, true}), (Writes{{address, {0xC0}}})) << std::hex << panel;
         EXPECT_EQ(Table().at({panel, false}), (Writes{{address, {0x00}}})) << std::hex << panel;

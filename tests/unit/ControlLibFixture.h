@@ -39,8 +39,8 @@ protected:
                              const std::string& faults = "[]")
     {
         const std::string libraries = library.empty() ? "{}" : R"({"ControlLib.dll":")" + library + R"("})";
-        LumavenTest::InstallProfile(R"({"libraries":)" + libraries + R"(,"intel":)" + intel + R"(,"faults":)" +
-                                    faults + "}");
+        LumavenTest::InstallProfile(R"({"libraries":)" + libraries + R"(,"intel":)" + intel + R"(,"faults":)" + faults +
+                                    "}");
     }
 
     static ctl_init_args_t InitArgs(ctl_version_info_t appVersion)

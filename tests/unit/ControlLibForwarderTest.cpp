@@ -28,8 +28,8 @@ protected:
     static int ExpectEveryForwarderAnswers(ctl_result_t expected)
     {
         int index = 0;
-#define LUMAVEN_EXPECT_ANSWER(name, ...)                                                      \
-    EXPECT_EQ(Proof::CallDistinct(&::name, index), expected) << #name;                       \
+#define LUMAVEN_EXPECT_ANSWER(name, ...)                               \
+    EXPECT_EQ(Proof::CallDistinct(&::name, index), expected) << #name; \
     ++index;
         LUMAVEN_CTL_FUNCTIONS(LUMAVEN_CTL_NOTHING, LUMAVEN_EXPECT_ANSWER)
 #undef LUMAVEN_EXPECT_ANSWER

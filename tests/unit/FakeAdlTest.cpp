@@ -32,10 +32,9 @@ void* __stdcall Allocate(int size)
 }
 
 // Two adapters (ADL indices 0 and 9); adapter 0 has the panel as its mapped display 0.
-constexpr char kLaptop[] =
-    R"({"monitors":[{"panel":"4C836C41"}],"libraries":{"atiadlxx.dll":"atiadlxx.dll"},)"
-    R"("amd":{"adapters":[{"adapterIndex":0,"displays":[{"infoValue":3,"panel":"4C836C41"}]},)"
-    R"({"adapterIndex":9,"displays":[]}]}})";
+constexpr char kLaptop[] = R"({"monitors":[{"panel":"4C836C41"}],"libraries":{"atiadlxx.dll":"atiadlxx.dll"},)"
+                           R"("amd":{"adapters":[{"adapterIndex":0,"displays":[{"infoValue":3,"panel":"4C836C41"}]},)"
+                           R"({"adapterIndex":9,"displays":[]}]}})";
 
 class FakeAdl : public testing::Test {
 protected:
@@ -76,8 +75,8 @@ protected:
         const auto records = RecordsOf(call);
         ASSERT_FALSE(records.empty()) << call;
         const std::string refused = Text(records.back(), "refused");
-        EXPECT_EQ(refused.rfind(reason, 0), 0u) << call << ": refused \"" << refused << "\", expected \"" << reason
-                                                << "...\"";
+        EXPECT_EQ(refused.rfind(reason, 0), 0u)
+            << call << ": refused \"" << refused << "\", expected \"" << reason << "...\"";
         EXPECT_EQ(Number(records.back(), "result"), code) << call;
     }
 
@@ -148,7 +147,8 @@ TEST_F(FakeAdl, ContextsItDidNotCreateAreRefusedWithoutBeingLookedInto)
                   "a context this library did not create");
     ExpectRefused("ADL2_Adapter_NumberOfAdapters_Get", count(nullptr, &number), ADL_ERR_NOT_INIT, "no context");
     EXPECT_EQ(number, -1);
-    ExpectRefused("ADL2_Main_Control_Destroy", destroy(&local), ADL_ERR_NOT_INIT, "a context this library did not create");
+    ExpectRefused("ADL2_Main_Control_Destroy", destroy(&local), ADL_ERR_NOT_INIT,
+                  "a context this library did not create");
     ADL_CONTEXT_HANDLE context = nullptr;
     ASSERT_EQ(create(&Allocate, 1, &context), ADL_OK);
     ASSERT_EQ(destroy(context), ADL_OK);
@@ -163,8 +163,8 @@ TEST_F(FakeAdl, AdapterBufferMustHoldEveryAdapterReported)
     std::vector<AdapterInfo> buffer(2);
     std::memset(buffer.data(), 0xCD, buffer.size() * sizeof(AdapterInfo));
     constexpr int kTwo = 2 * static_cast<int>(sizeof(AdapterInfo));
-    ExpectRefused("ADL2_Adapter_AdapterInfo_Get", adapters(m_context, buffer.data(), kTwo - 1),
-                  ADL_ERR_INVALID_PARAM, "iInputSize 3143 is below the 3144 bytes");
+    ExpectRefused("ADL2_Adapter_AdapterInfo_Get", adapters(m_context, buffer.data(), kTwo - 1), ADL_ERR_INVALID_PARAM,
+                  "iInputSize 3143 is below the 3144 bytes");
     ExpectRefused("ADL2_Adapter_AdapterInfo_Get", adapters(m_context, buffer.data(), 1572), ADL_ERR_INVALID_PARAM,
                   "iInputSize 1572 is below the 3144 bytes");
     ExpectRefused("ADL2_Adapter_AdapterInfo_Get", adapters(m_context, buffer.data(), 0), ADL_ERR_INVALID_PARAM,
@@ -221,7 +221,8 @@ TEST_F(FakeAdl, EdidRecordOfAnotherSizeOrWithReservedFieldsSetIsRefused)
                   "iSize 287, expected 288");
     data = Edid();
     data.iFlag = 1;
-    ExpectRefused("ADL2_Display_EdidData_Get", edid(m_context, 0, 0, &data), ADL_ERR_INVALID_PARAM, "iFlag 1 is not zero");
+    ExpectRefused("ADL2_Display_EdidData_Get", edid(m_context, 0, 0, &data), ADL_ERR_INVALID_PARAM,
+                  "iFlag 1 is not zero");
     data = Edid();
     data.iReserved[3] = 4;
     ExpectRefused("ADL2_Display_EdidData_Get", edid(m_context, 0, 0, &data), ADL_ERR_INVALID_PARAM,
@@ -267,7 +268,8 @@ TEST_F(FakeAdl, AuxCountsMustFitTheDataBufferAndTheDpcdSpace)
 {
     ADLDisplayNativeAUXChannelData data = AuxWrite();
     data.iDataSize = 0;
-    ExpectRefused("ADL2_Display_NativeAUXChannel_Access", Aux(data), ADL_ERR_INVALID_PARAM, "iDataSize 0 is not 1 to 16");
+    ExpectRefused("ADL2_Display_NativeAUXChannel_Access", Aux(data), ADL_ERR_INVALID_PARAM,
+                  "iDataSize 0 is not 1 to 16");
     data.iDataSize = 17;
     ExpectRefused("ADL2_Display_NativeAUXChannel_Access", Aux(data), ADL_ERR_INVALID_PARAM,
                   "iDataSize 17 is not 1 to 16");
@@ -321,9 +323,10 @@ TEST_F(FakeAdl, EveryRecordTheServiceSendsIsAccepted)
         EXPECT_EQ(Text(record, "refused"), "(none)") << Call(record);
         ++checked;
     }
-    for (const char* call : {"ADL2_Main_Control_Create", "ADL2_Adapter_NumberOfAdapters_Get",
-                             "ADL2_Adapter_AdapterInfo_Get", "ADL2_Display_DisplayInfo_Get", "ADL2_Display_EdidData_Get",
-                             "ADL2_Display_NativeAUXChannel_Access", "ADL2_Main_Control_Destroy"}) {
+    for (const char* call :
+         {"ADL2_Main_Control_Create", "ADL2_Adapter_NumberOfAdapters_Get", "ADL2_Adapter_AdapterInfo_Get",
+          "ADL2_Display_DisplayInfo_Get", "ADL2_Display_EdidData_Get", "ADL2_Display_NativeAUXChannel_Access",
+          "ADL2_Main_Control_Destroy"}) {
         EXPECT_FALSE(RecordsOf(call).empty()) << call << " was never called";
     }
     EXPECT_GT(checked, 0u);

@@ -82,8 +82,8 @@ protected:
         const auto records = RecordsOf(call);
         ASSERT_FALSE(records.empty()) << call;
         const std::string refused = Text(records.back(), "refused");
-        EXPECT_EQ(refused.rfind(reason, 0), 0u) << call << ": refused \"" << refused << "\", expected \"" << reason
-                                                << "...\"";
+        EXPECT_EQ(refused.rfind(reason, 0), 0u)
+            << call << ": refused \"" << refused << "\", expected \"" << reason << "...\"";
     }
 
     LumavenUtil::UniqueModule m_module;
@@ -136,8 +136,8 @@ TEST_F(FakeAdlx, NullArgumentsAreRefused)
                   m_initWithCallerAdl(kHeaderVersion, &system, &mapping, &adlContext, nullptr), ADLX_INVALID_ARGS,
                   "no ADL memory free function");
     ExpectRefused("ADLXInitializeWithCallerAdl",
-                  m_initWithCallerAdl(kHeaderVersion, &system, nullptr, &adlContext, &FreeAdlMemory),
-                  ADLX_INVALID_ARGS, "no ADL mapping pointer to fill");
+                  m_initWithCallerAdl(kHeaderVersion, &system, nullptr, &adlContext, &FreeAdlMemory), ADLX_INVALID_ARGS,
+                  "no ADL mapping pointer to fill");
     EXPECT_EQ(system, nullptr);
     EXPECT_EQ(m_initWithCallerAdl(kHeaderVersion, &system, &mapping, &adlContext, &FreeAdlMemory), ADLX_OK);
 
@@ -184,7 +184,8 @@ TEST_F(FakeAdlx, InterfacesUsedAfterTheirLastReleaseAreRefused)
     EXPECT_EQ(varibright->Release(), 0);
     EXPECT_EQ(m_services->Release(), 0);
     adlx::IADLXDisplayList* list = nullptr;
-    ExpectRefused("GetDisplays", m_services->GetDisplays(&list), ADLX_INVALID_OBJECT, "a released IADLXDisplayServices");
+    ExpectRefused("GetDisplays", m_services->GetDisplays(&list), ADLX_INVALID_OBJECT,
+                  "a released IADLXDisplayServices");
     EXPECT_EQ(list, nullptr);
     ExpectRefused("GetVariBright", m_services->GetVariBright(display, &varibright), ADLX_INVALID_OBJECT,
                   "a released IADLXDisplayServices");
@@ -247,7 +248,8 @@ TEST_F(FakeAdlx, SetEnabledOnADisplayWithoutVariBrightIsRefused)
     ASSERT_EQ(m_services->GetVariBright(display, &varibright), ADLX_OK);
     ExpectRefused("SetEnabled", varibright->SetEnabled(true), ADLX_NOT_SUPPORTED,
                   "VariBright is not supported on display 0");
-    ExpectRefused("SetBalanced", varibright->SetBalanced(), ADLX_NOT_SUPPORTED, "VariBright is not supported on display 0");
+    ExpectRefused("SetBalanced", varibright->SetBalanced(), ADLX_NOT_SUPPORTED,
+                  "VariBright is not supported on display 0");
     EXPECT_FALSE(Flag(State()["adlx"]["displays"][0], "varibrightEnabled"));
 }
 

@@ -31,7 +31,8 @@ class FakeControlLibChecks : public FakeControlLib {
 protected:
     // The call's answer was `code`, and the driver's last record of `function` says it refused
     // it for `reason` (the start of the text) with that code.
-    static void ExpectRefused(const std::string& function, ctl_result_t answer, uint32_t code, const std::string& reason)
+    static void ExpectRefused(const std::string& function, ctl_result_t answer, uint32_t code,
+                              const std::string& reason)
     {
         EXPECT_EQ(static_cast<uint32_t>(answer), code) << function << " " << reason;
         const auto calls = Calls(function);
@@ -74,7 +75,6 @@ protected:
             ExpectRefused(function, call(Panel(), &settings), code, reason);
         }
     }
-
 
     // The panel's register 0x4056 and OPST state: what a refused call must leave alone.
     static void ExpectPanelUntouched()

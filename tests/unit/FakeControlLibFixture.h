@@ -93,8 +93,9 @@ protected:
             return "(none)";
         }
         const rapidjson::Value& value = calls.back()[member];
-        return value.IsString() ? value.GetString() : value.IsBool() ? (value.GetBool() ? "true" : "false")
-                                                                     : std::to_string(value.GetUint64());
+        return value.IsString() ? value.GetString()
+               : value.IsBool() ? (value.GetBool() ? "true" : "false")
+                                : std::to_string(value.GetUint64());
     }
 
     static std::string ReadFile(const std::wstring& path)

@@ -37,7 +37,8 @@ TEST(HandlerGuard, QualifiedNameShapePrintsTheMethodName)
               L"LumavenService - GetOpst threw: " + prefix + L"_GetIfSystemSupportsOpst");
     EXPECT_EQ(CaughtLine(Handler::GetIfVaribrightSupport),
               L"LumavenService - GetVaribright threw: " + prefix + L"_GetIfVaribrightSupport");
-    EXPECT_EQ(CaughtLine(Handler::SetVaribright), L"LumavenService - GetVaribright threw: " + prefix + L"_SetVaribright");
+    EXPECT_EQ(CaughtLine(Handler::SetVaribright),
+              L"LumavenService - GetVaribright threw: " + prefix + L"_SetVaribright");
     EXPECT_EQ(CaughtLine(Handler::GetIfOLEDSupport),
               L"LumavenService - GetIfOLEDSupport threw: " + prefix + L"_GetIfOLEDSupport");
     EXPECT_EQ(CaughtLine(Handler::SetOLEDPowerSaveON),

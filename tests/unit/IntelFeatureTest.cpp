@@ -25,10 +25,8 @@ namespace {
 constexpr const char* kPanel4174 = "4C837441";
 constexpr const char* kPanel4160 = "4C836041";
 
-const char kOpstOutput[] =
-    R"({"attached":true,"dpstSupported":true,"opstSupported":true,"dpstEnabled":0})";
-const char kNoOpstOutput[] =
-    R"({"attached":true,"dpstSupported":true,"opstSupported":false,"dpstEnabled":0})";
+const char kOpstOutput[] = R"({"attached":true,"dpstSupported":true,"opstSupported":true,"dpstEnabled":0})";
+const char kNoOpstOutput[] = R"({"attached":true,"dpstSupported":true,"opstSupported":false,"dpstEnabled":0})";
 const char kDetachedOutput[] = R"({"attached":false,"dpstSupported":true,"opstSupported":true})";
 
 std::string Adapters(const std::vector<std::vector<std::string>>& adapters)
@@ -50,9 +48,9 @@ protected:
     void Machine(const std::string& panel, const std::string& intel, const std::string& faults = "[]",
                  const std::string& library = "ControlLib.dll")
     {
-        const std::string libraries =
-            library.empty() ? R"({"dxgi.dll":"dxgi.dll"})"
-                            : R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":")" + library + R"("})";
+        const std::string libraries = library.empty()
+                                          ? R"({"dxgi.dll":"dxgi.dll"})"
+                                          : R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":")" + library + R"("})";
         LumavenTest::InstallProfile(R"({"monitors":[{"panel":")" + panel +
                                     R"("}],"gpuName":"Intel(R) Iris(R) Xe Graphics","libraries":)" + libraries +
                                     R"(,"intel":)" + intel + R"(,"faults":)" + faults + "}");
@@ -169,8 +167,10 @@ TEST_F(IntelFeature, WithoutTheLibraryEveryCommandIsADeviceErrorAndWritesNothing
 TEST_F(IntelFeature, UnsupportedPanelWritesNothing)
 {
     Machine(kPanel4174, Adapters({{kOpstOutput}}));
-    LumavenTest::InstallProfile(std::string(R"({"monitors":[{"panel":"10ACF540"}],"libraries":{"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"},"intel":)") +
-                                Adapters({{kOpstOutput}}) + "}");
+    LumavenTest::InstallProfile(
+        std::string(
+            R"({"monitors":[{"panel":"10ACF540"}],"libraries":{"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"},"intel":)") +
+        Adapters({{kOpstOutput}}) + "}");
     LumavenTest::SetOledDword(0);
     LogCapture capture;
     const auto result = Run(5);

@@ -120,10 +120,12 @@ TEST(Logging, FileSinkWritesOneJsonObjectPerLine)
         lines.push_back(line);
     }
     ASSERT_EQ(lines.size(), 3u);
-    EXPECT_EQ(lines[0],
-              R"({"level":"INFO","provider":"Xelto-Spanlet-SystemInformation","context":0,"text":"Opening startup_task in LumavenService\n"})");
-    EXPECT_EQ(lines[1],
-              R"({"level":"WARNING","provider":"Xelto-Spanlet-SystemInformation","context":42,"text":"quote \" back \\ tab \t ctl \u0001 end"})");
+    EXPECT_EQ(
+        lines[0],
+        R"({"level":"INFO","provider":"Xelto-Spanlet-SystemInformation","context":0,"text":"Opening startup_task in LumavenService\n"})");
+    EXPECT_EQ(
+        lines[1],
+        R"({"level":"WARNING","provider":"Xelto-Spanlet-SystemInformation","context":42,"text":"quote \" back \\ tab \t ctl \u0001 end"})");
     rapidjson::Document third;
     third.Parse(lines[2].c_str());
     ASSERT_FALSE(third.HasParseError());

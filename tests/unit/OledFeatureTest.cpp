@@ -28,8 +28,8 @@ namespace {
 std::string Profile(const std::string& panel, const std::string& gpu, const std::string& libraries,
                     const std::string& extra = "")
 {
-    return R"({"monitors":[{"panel":")" + panel + R"("}],"gpuName":")" + gpu + R"(","libraries":)" + libraries +
-           extra + "}";
+    return R"({"monitors":[{"panel":")" + panel + R"("}],"gpuName":")" + gpu + R"(","libraries":)" + libraries + extra +
+           "}";
 }
 
 const char kIntelGpu[] = "Intel(R) Iris(R) Xe Graphics";
@@ -176,17 +176,19 @@ TEST_F(OledFeature, IntelSupportQueryCountsAFailingOpstQueryAsSupported)
 
 TEST_F(OledFeature, IntelSupportQueryWithoutASupportedPanelIsFalse)
 {
-    auto service = Started(Profile("10ACF540", kIntelGpu, R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"})",
-                                   R"(,"intel":{"adapters":[{"outputs":[{"attached":true,"opstSupported":true}]}]})"));
+    auto service =
+        Started(Profile("10ACF540", kIntelGpu, R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"})",
+                        R"(,"intel":{"adapters":[{"outputs":[{"attached":true,"opstSupported":true}]}]})"));
     EXPECT_EQ(Call(*service, 10).response, L"{\"result\":true,\"result\":false}");
     EXPECT_EQ(Call(*service, 4).response, L"{\"result\":false}");
 }
 
 TEST_F(OledFeature, IntelPowerSaveOnSkipsEdWhenOpstFails)
 {
-    auto service = Started(Profile("4C837441", kIntelGpu, R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"})",
-                                   R"(,"intel":{"adapters":[{"outputs":[{"attached":true}]}]},)"
-                                   R"("faults":[{"function":"ctlInit","code":1073741825,"nth":1}])"));
+    auto service =
+        Started(Profile("4C837441", kIntelGpu, R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"})",
+                        R"(,"intel":{"adapters":[{"outputs":[{"attached":true}]}]},)"
+                        R"("faults":[{"function":"ctlInit","code":1073741825,"nth":1}])"));
     LumavenTest::SetOledDword(0);
     const auto result = Call(*service, 11);
     EXPECT_EQ(result.status, StatusSuccess);

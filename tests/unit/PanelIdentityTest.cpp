@@ -91,9 +91,9 @@ private:
 
 TEST(PanelIdentity, TableHoldsTheElevenPanelsWithTheirIndices)
 {
-    const std::map<PanelIndex, PanelId> expected = {
-        {0, 0x4160834C}, {1, 0x417D834C}, {2, 0x417C834C}, {3, 0x4174834C}, {4, 0x4166834C}, {5, 0x416C834C},
-        {6, 0x4170834C}, {7, 0x4197834C}, {8, 0x41A6834C}, {9, 0x41AC834C}, {10, 0x41AA834C}};
+    const std::map<PanelIndex, PanelId> expected = {{0, 0x4160834C}, {1, 0x417D834C}, {2, 0x417C834C}, {3, 0x4174834C},
+                                                    {4, 0x4166834C}, {5, 0x416C834C}, {6, 0x4170834C}, {7, 0x4197834C},
+                                                    {8, 0x41A6834C}, {9, 0x41AC834C}, {10, 0x41AA834C}};
     EXPECT_EQ(kPanelIdByIndex, expected);
     EXPECT_EQ(kPanelIdByIndex.count(kUnsupportedPanel), 0u);
 }

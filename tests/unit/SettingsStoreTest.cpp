@@ -116,8 +116,9 @@ TEST(GetOledFromRegistry, NullResponseIsInvalidAndWritesNothing)
     request.SetObject();
     LogCapture capture;
     EXPECT_EQ(service.GetOledFromRegistry(&request, nullptr, 3), StatusInvalidArgument);
-    EXPECT_EQ(capture.Texts(), std::vector<std::wstring>{
-                                   L"class Xelto::Spanlet::Server::Services::UtilHelper.NullChecker - response cannot be null"});
+    EXPECT_EQ(capture.Texts(),
+              std::vector<std::wstring>{
+                  L"class Xelto::Spanlet::Server::Services::UtilHelper.NullChecker - response cannot be null"});
     Document response;
     response.SetObject();
     EXPECT_EQ(service.GetOledFromRegistry(nullptr, &response, 3), StatusInvalidArgument);

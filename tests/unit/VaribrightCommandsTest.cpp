@@ -216,14 +216,16 @@ TEST_F(VaribrightCommands, HandlersCheckTheirDocuments)
     Document document;
     document.Parse(L"{\"BValue\": true}");
     EXPECT_EQ(m_service._GetIfVaribrightSupport(nullptr, &document, kContextWord), StatusInvalidArgument);
-    EXPECT_EQ(m_capture.Count(L"class Xelto::Spanlet::Server::Services::UtilHelper.NullChecker - request cannot be null"),
-              1u);
+    EXPECT_EQ(
+        m_capture.Count(L"class Xelto::Spanlet::Server::Services::UtilHelper.NullChecker - request cannot be null"),
+        1u);
     m_capture.Clear();
     EXPECT_EQ(m_service._SetVaribright(nullptr, &document, kContextWord), StatusInvalidArgument);
     EXPECT_TRUE(m_capture.Texts().empty()) << "a null request is refused at once";
     EXPECT_EQ(m_service._SetVaribright(&document, nullptr, kContextWord), StatusInvalidArgument);
     EXPECT_EQ(m_capture.Texts(),
-              std::vector<std::wstring>{L"class Xelto::Spanlet::Server::Services::UtilHelper.NullChecker - response cannot be null"});
+              std::vector<std::wstring>{
+                  L"class Xelto::Spanlet::Server::Services::UtilHelper.NullChecker - response cannot be null"});
     EXPECT_TRUE(Calls().empty());
 }
 
@@ -237,8 +239,8 @@ TEST_F(VaribrightCommands, CaughtExceptionsLogGetVaribrightWithTheMethodName)
     EXPECT_EQ(records[0].level, Xelto::Logging::Level::Error);
     EXPECT_EQ(records[0].text, L"LumavenService - GetVaribright threw: "
                                L"Xelto::Spanlet::Server::Services::Lumaven::LumavenService::_GetIfVaribrightSupport");
-    EXPECT_EQ(records[1].text,
-              L"LumavenService - GetVaribright threw: Xelto::Spanlet::Server::Services::Lumaven::LumavenService::_SetVaribright");
+    EXPECT_EQ(records[1].text, L"LumavenService - GetVaribright threw: "
+                               L"Xelto::Spanlet::Server::Services::Lumaven::LumavenService::_SetVaribright");
 }
 
 TEST_F(VaribrightCommands, BothCommandsWaitForTheAdlxMutexOnly)

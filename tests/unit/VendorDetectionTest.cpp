@@ -25,8 +25,8 @@
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
 using LumavenTest::InstallGpu;
-using LumavenTest::ThreadIsOutsideCom;
 using LumavenTest::LogCapture;
+using LumavenTest::ThreadIsOutsideCom;
 using Xelto::Logging::Level;
 
 // Allocation failure on demand, for the exception path: the next allocation made through
@@ -159,15 +159,14 @@ TEST_P(CheckVideoControllerTypeWithGpu, GivesTheVendorAndLogsIt)
 
 INSTANTIATE_TEST_SUITE_P(VendorDetection, CheckVideoControllerTypeWithGpu,
                          testing::Values(NamedGpu{"Intel(R) Iris(R) Xe Graphics", 1},
-                                         NamedGpu{"Intel(R) UHD Graphics", 1},
-                                         NamedGpu{"AMD Radeon(TM) Graphics", 2},
+                                         NamedGpu{"Intel(R) UHD Graphics", 1}, NamedGpu{"AMD Radeon(TM) Graphics", 2},
                                          NamedGpu{"AMD Radeon RX 6600", 2}, NamedGpu{"Radeon Pro", 2},
                                          NamedGpu{"intel uhd", 0}, NamedGpu{"Microsoft Basic Display Adapter", 0}));
 
 TEST(CheckVideoControllerType, ShippedProfiles)
 {
-    for (const auto& [profile, vendor] : std::vector<std::pair<std::string, int32_t>>{
-             {"intel-laptop", 1}, {"amd-laptop", 2}, {"desktop", 0}}) {
+    for (const auto& [profile, vendor] :
+         std::vector<std::pair<std::string, int32_t>>{{"intel-laptop", 1}, {"amd-laptop", 2}, {"desktop", 0}}) {
         LumavenTest::InstallShippedProfile(profile);
         LogCapture capture;
         EXPECT_EQ(LumavenService::CheckVideoControllerType(), vendor) << profile;
@@ -231,9 +230,10 @@ TEST(CheckVideoControllerType, WmiUnavailableLogsTheFailureAndGivesZero)
     const auto records = capture.Records();
     ASSERT_EQ(records.size(), 3u) << testing::PrintToString(capture.Texts());
     EXPECT_EQ(records[0].level, Level::Warning);
-    EXPECT_EQ(records[0].text,
-              L"class Xelto::Spanlet::Server::Shared::WMI::PublicWmi.ConnectToWmi - failed on function CoCreateInstance "
-              L"with HRESULT 0x80070005");
+    EXPECT_EQ(
+        records[0].text,
+        L"class Xelto::Spanlet::Server::Shared::WMI::PublicWmi.ConnectToWmi - failed on function CoCreateInstance "
+        L"with HRESULT 0x80070005");
     EXPECT_EQ(records[1].level, Level::Error);
     EXPECT_EQ(records[1].text, kFailure);
     EXPECT_EQ(records[2].level, Level::Info);

@@ -22,9 +22,9 @@
 
 using namespace Xelto::Spanlet::Server::Shared::WMI;
 using LumavenTest::InstallGpu;
+using LumavenTest::LogCapture;
 using LumavenTest::OnFreshThread;
 using LumavenTest::ThreadIsOutsideCom;
-using LumavenTest::LogCapture;
 using Xelto::Logging::Level;
 using Xelto::Spanlet::Server::Services::Lumaven::JsonText;
 using Xelto::Spanlet::Server::Services::Lumaven::WriteCompact;
@@ -222,7 +222,8 @@ TEST(PublicWmi, ReadsTheSimulatedControllerName)
 
 TEST(PublicWmi, ALaterQueryInTheSameProcessSeesAChangedProfile)
 {
-    for (const char* name : {"Intel(R) Iris(R) Xe Graphics", "AMD Radeon(TM) Graphics", "Microsoft Basic Display Adapter"}) {
+    for (const char* name :
+         {"Intel(R) Iris(R) Xe Graphics", "AMD Radeon(TM) Graphics", "Microsoft Basic Display Adapter"}) {
         InstallGpu(name);
         PublicWmi wmi;
         Document response = EmptyObject();
@@ -346,27 +347,36 @@ TEST_P(PublicWmiWithoutResult, GivesItsStatusAndWarnings)
 INSTANTIATE_TEST_SUITE_P(
     Wine, PublicWmiWithoutResult,
     testing::Values(
-        WithoutResult{"MissingProperty", kVideoController, L"NoSuchProperty", kDefaultWmiNamespace,
+        WithoutResult{"MissingProperty",
+                      kVideoController,
+                      L"NoSuchProperty",
+                      kDefaultWmiNamespace,
                       StatusWmiPropertyNotFound,
                       {Warning(L"GetPropertyValue", L"IWbemClassObject->Get", 0x80041002)}},
-        WithoutResult{"MissingNamespace", kVideoController, L"Name", L"ROOT\\NoSuchNamespace",
+        WithoutResult{"MissingNamespace",
+                      kVideoController,
+                      L"Name",
+                      L"ROOT\\NoSuchNamespace",
                       StatusWmiInvalidNamespace,
                       {Warning(L"ConnectToWmi", L"IWbemLocator->ConnectServer(WmiNamespace)", 0x8004100e)}},
         // The test prefix maps no CD-ROM drive.
-        WithoutResult{"ClassWithoutInstances", L"Win32_CDROMDrive", L"Name", kDefaultWmiNamespace,
-                      StatusInvalidArgument, {}},
+        WithoutResult{
+            "ClassWithoutInstances", L"Win32_CDROMDrive", L"Name", kDefaultWmiNamespace, StatusInvalidArgument, {}},
         // Windows fails Next with WBEM_E_INVALID_CLASS here (StatusWmiInvalidClass, tested on
         // the mapping); Wine answers with an empty result set.
         WithoutResult{"UnknownClass", L"Win32_NoSuchClass", L"Name", kDefaultWmiNamespace, StatusInvalidArgument, {}},
         // Wine refuses to list Win32_SID without a condition that names the SID.
-        WithoutResult{"FailedQuery", L"Win32_SID", L"SID", kDefaultWmiNamespace, StatusInvalidArgument,
+        WithoutResult{"FailedQuery",
+                      L"Win32_SID",
+                      L"SID",
+                      kDefaultWmiNamespace,
+                      StatusInvalidArgument,
                       {Warning(L"EnumClassObject", L"IWbemServices->ExecQuery", 0x80041001)}},
         // The scores are real32 values (VT_R4), a type the helper skips.
-        WithoutResult{"UnsupportedType", L"Win32_WinSAT", L"CPUScore", kDefaultWmiNamespace, StatusInvalidArgument,
-                      {}},
+        WithoutResult{"UnsupportedType", L"Win32_WinSAT", L"CPUScore", kDefaultWmiNamespace, StatusInvalidArgument, {}},
         // Wine answers __DERIVATION with an empty string array.
-        WithoutResult{"EmptyArray", kVideoController, L"__DERIVATION", kDefaultWmiNamespace, StatusInvalidArgument,
-                      {}}),
+        WithoutResult{
+            "EmptyArray", kVideoController, L"__DERIVATION", kDefaultWmiNamespace, StatusInvalidArgument, {}}),
     [](const testing::TestParamInfo<WithoutResult>& info) { return std::string(info.param.name); });
 
 TEST(PublicWmi, ConnectAndEnumerateDirectly)
@@ -414,7 +424,8 @@ TEST(PublicWmi, LeavesTheApartmentOnEveryExit)
         EXPECT_TRUE(ThreadIsOutsideCom()) << "after success";
         EXPECT_EQ(PublicWmi().GetPropertyValue(kVideoController, L"NoSuchProperty", response), 0x2000000du);
         EXPECT_TRUE(ThreadIsOutsideCom()) << "after a failed Get";
-        EXPECT_EQ(PublicWmi(L"ROOT\\NoSuchNamespace").GetPropertyValue(kVideoController, L"Name", response), 0x20000012u);
+        EXPECT_EQ(PublicWmi(L"ROOT\\NoSuchNamespace").GetPropertyValue(kVideoController, L"Name", response),
+                  0x20000012u);
         EXPECT_TRUE(ThreadIsOutsideCom()) << "after a failed connection";
         EXPECT_EQ(PublicWmi().GetPropertyValue(L"Win32_SID", L"SID", response), StatusInvalidArgument);
         EXPECT_TRUE(ThreadIsOutsideCom()) << "after a failed query";

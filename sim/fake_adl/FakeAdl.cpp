@@ -182,6 +182,30 @@ rapidjson::Value& RegisterFile(rapidjson::Document& state, rapidjson::Value& dis
     return display["dpcd"];
 }
 
+// What an AUX record of the right size must hold before it reaches the panel; empty when it
+// is fine.
+std::string CheckAux(const AuxChannelData& data)
+{
+    if (data.iCommand != kAuxCommandWrite && data.iCommand != kAuxCommandRead) {
+        return "iCommand " + std::to_string(data.iCommand) + " is neither write (1) nor read (2)";
+    }
+    if (data.iDataSize <= 0 || data.iDataSize > kMaxAuxData) {
+        return "iDataSize " + std::to_string(data.iDataSize) + " is not 1 to " + std::to_string(kMaxAuxData);
+    }
+    if (data.iAddress < 0 || data.iAddress > kDpcdSpace - data.iDataSize) {
+        return "iAddress " + std::to_string(data.iAddress) + " with " + std::to_string(data.iDataSize) +
+               " bytes leaves the DPCD space";
+    }
+    if (data.iCommand == kAuxCommandWrite) {
+        for (int i = data.iDataSize; i < kMaxAuxData; ++i) {
+            if (data.cData[i] != 0) {
+                return "cData[" + std::to_string(i) + "] beyond iDataSize is not zero";
+            }
+        }
+    }
+    return {};
+}
+
 }  // namespace
 
 extern "C" {
@@ -451,30 +475,6 @@ int ADL2_Display_EdidData_Get(Context handle, int iAdapterIndex, int iDisplayInd
         record.Text("panel", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(edid.cEDIDData) + 8, 4));
     }
     return record.Done(kOk);
-}
-
-// What an AUX record of the right size must hold before it reaches the panel; empty when it
-// is fine.
-std::string CheckAux(const AuxChannelData& data)
-{
-    if (data.iCommand != kAuxCommandWrite && data.iCommand != kAuxCommandRead) {
-        return "iCommand " + std::to_string(data.iCommand) + " is neither write (1) nor read (2)";
-    }
-    if (data.iDataSize <= 0 || data.iDataSize > kMaxAuxData) {
-        return "iDataSize " + std::to_string(data.iDataSize) + " is not 1 to " + std::to_string(kMaxAuxData);
-    }
-    if (data.iAddress < 0 || data.iAddress > kDpcdSpace - data.iDataSize) {
-        return "iAddress " + std::to_string(data.iAddress) + " with " + std::to_string(data.iDataSize) +
-               " bytes leaves the DPCD space";
-    }
-    if (data.iCommand == kAuxCommandWrite) {
-        for (int i = data.iDataSize; i < kMaxAuxData; ++i) {
-            if (data.cData[i] != 0) {
-                return "cData[" + std::to_string(i) + "] beyond iDataSize is not zero";
-            }
-        }
-    }
-    return {};
 }
 
 // Writes (command 1) or reads (command 2) the register file of the display with this adapter

@@ -2,7 +2,7 @@
 # Runs the reliability suites (fuzzed requests, eight host threads, soak) on the simulated
 # Intel and AMD laptops, then repeats their summary lines.
 #
-#   scripts/reliability.sh                 bounded counts, the same run as in scripts/test.sh
+#   scripts/reliability.sh                 the usual bounded counts (scripts/test.sh runs shorter ones)
 #   scripts/reliability.sh --full          full counts: 100,000 fuzzed requests, 8 threads x
 #                                          5,000 operations and a soak of 200,000 commands and
 #                                          20,000 events, on each laptop

@@ -10,8 +10,8 @@
 
 namespace Xelto::Spanlet::Server::Services::Lumaven {
 
-// NOLINTNEXTLINE(cert-err58-cpp): filled at load, before any caller; out of memory this early, the module cannot load
-// anyway
+// Filled at load, before any caller; out of memory this early, the module cannot load anyway.
+// NOLINTNEXTLINE(cert-err58-cpp): see above
 const std::map<PanelIndex, PanelId> kPanelIdByIndex = [] {
     std::map<PanelIndex, PanelId> byIndex;
     for (const SupportedPanel& panel : kSupportedPanels) {

@@ -89,6 +89,11 @@ Result WithFaultableState(const char* function, const std::function<Result(rapid
 // did not release, and the last ones released. A released object is kept a while instead of
 // being freed at once, so that a caller who uses it again is refused (ADLX_INVALID_OBJECT,
 // "refused" in the log) instead of running into freed memory.
+//
+// The two lists are never destroyed. A caller that keeps ADLX in a process-wide object
+// terminates it from its own unload; at process exit the loader detaches this library first
+// (it was loaded later), so ADLXTerminate runs after this library's static destructors. A
+// driver used this way must still answer then.
 class Tracked {
 public:
     Tracked() { Live().insert(this); }
@@ -98,13 +103,13 @@ public:
 
     static std::set<Tracked*>& Live()
     {
-        static std::set<Tracked*> live;
-        return live;
+        static auto* const live = new std::set<Tracked*>;
+        return *live;
     }
     static std::deque<Tracked*>& Released()
     {
-        static std::deque<Tracked*> released;
-        return released;
+        static auto* const released = new std::deque<Tracked*>;
+        return *released;
     }
     // Destroys every object, live or released; answers how many were still live.
     static size_t DestroyAll()

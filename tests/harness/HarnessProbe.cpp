@@ -58,4 +58,26 @@ TEST(Probe, Hangs)
     Sleep(INFINITE);
 }
 
+// The heap check's own check (scripts/heapcheck.sh): two misuses of the process heap that
+// end well as far as GoogleTest can see, and that Wine's heap checking must report.
+TEST(Probe, FreesTwice)
+{
+    const HANDLE heap = GetProcessHeap();
+    void* block = HeapAlloc(heap, 0, 24);
+    ASSERT_NE(block, nullptr);
+    HeapFree(heap, 0, block);
+    HeapFree(heap, 0, block);
+}
+
+TEST(Probe, WritesAfterFree)
+{
+    const HANDLE heap = GetProcessHeap();
+    auto* block = static_cast<volatile char*>(HeapAlloc(heap, 0, 24));
+    ASSERT_NE(block, nullptr);
+    HeapFree(heap, 0, const_cast<char*>(block));
+    block[0] = 1;
+    block[8] = 2;
+    HeapValidate(heap, 0, nullptr);
+}
+
 }  // namespace

@@ -219,7 +219,12 @@ def main():
                         help="private copy, build tree and results (default build/mutate)")
     parser.add_argument("--lock", default=os.environ.get("LUMAVEN_MUTATE_LOCK", ""),
                         help="a file to flock around each mutant's build and suites")
+    parser.add_argument("--summary", action="store_true",
+                        help="only print the figures of every mutant in the results so far (each mutant once, "
+                             "its latest verdict; survivors listed as equivalent count as equivalent)")
     args = parser.parse_args()
+    if args.summary:
+        return summarize(os.path.join(os.path.abspath(args.work), "results.tsv"))
 
     everything = ordered_mutants(args.seed, args.files)
     chosen = everything[args.skip:args.skip + args.count]
@@ -278,6 +283,13 @@ def main():
     # The copy is rebuilt unmutated, so that its build tree matches its sources again.
     run(locked(["cmake", "--build", build] + targets, args.lock), tree, log)
 
+    print_figures(tally, len(chosen), survivors)
+    print("results appended to %s" % results_path)
+    return 0
+
+
+def print_figures(tally, count, survivors):
+    """Per folder and in total: killed, survived, equivalent and stillborn mutants."""
     print("\nper folder: killed / survived / equivalent / stillborn")
     totals = {}
     for folder in sorted(tally):
@@ -289,12 +301,53 @@ def main():
     killed, survived = totals.get("killed", 0), totals.get("survived", 0)
     judged = killed + survived
     print("run %d: killed %d, survived %d, equivalent %d, stillborn %d; killed %.1f%% of the non-equivalent" %
-          (len(chosen), killed, survived, totals.get("equivalent", 0), totals.get("stillborn", 0),
+          (count, killed, survived, totals.get("equivalent", 0), totals.get("stillborn", 0),
            100.0 * killed / judged if judged else 100.0))
     for survivor in survivors:
         print("  survivor: %s" % survivor)
-    print("results appended to %s" % results_path)
+
+
+def summarize(results_path):
+    """The figures over every mutant in the results file, each judged by its latest run."""
+    if not os.path.exists(results_path):
+        print("no results yet: %s" % results_path)
+        return 1
+    equivalents = load_equivalents()
+    latest = {}
+    with open(results_path, encoding="utf-8") as f:
+        for raw in f:
+            fields = raw.rstrip("\n").split("\t")
+            if len(fields) == 6:
+                latest[fields[5]] = fields
+    tally = {}
+    survivors = []
+    for description, (seed, index, verdict, suite, folder, _) in sorted(latest.items()):
+        if verdict == "survived" and equivalence_of(description, equivalents):
+            verdict = "equivalent"
+        tally.setdefault(folder, {}).setdefault(verdict, 0)
+        tally[folder][verdict] += 1
+        if verdict == "survived":
+            survivors.append(description)
+    print_figures(tally, len(latest), survivors)
     return 0
+
+
+def equivalence_of(description, equivalents):
+    """The reason a recorded mutant is equivalent, if the list has it (matched on file, line text and change)."""
+    match = re.match(r"(\S+?):(\d+)(?::\d+)? (\S+): (?:'(.*)' -> '(.*)'|drop '(.*)')$", description)
+    if not match:
+        return None
+    path, number = match.group(1), int(match.group(2))
+    source = os.path.join(ROOT, path)
+    if not os.path.exists(source):
+        return None
+    with open(source, encoding="utf-8") as f:
+        lines = f.read().split("\n")
+    if number > len(lines):
+        return None
+    text = lines[number - 1].strip()
+    change = "%s -> ;" % match.group(6) if match.group(6) is not None else "%s -> %s" % (match.group(4), match.group(5))
+    return equivalents.get((path, text, change))
 
 
 def judge(build, tree, targets, log, lock, prefix):

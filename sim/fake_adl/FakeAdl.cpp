@@ -17,6 +17,7 @@
 //           "loads": N, "unloads": N}
 #include "AdlRecords.h"
 #include "Installer.h"
+#include "RecordChecks.h"
 #include "SimState.h"
 #include "Transaction.h"
 
@@ -28,7 +29,6 @@
 #include <cstdio>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 #include <set>
 #include <string>
 #include <vector>
@@ -197,10 +197,8 @@ std::string CheckAux(const AuxChannelData& data)
                " bytes leaves the DPCD space";
     }
     if (data.iCommand == kAuxCommandWrite) {
-        for (int i = data.iDataSize; i < kMaxAuxData; ++i) {
-            if (data.cData[i] != 0) {
-                return "cData[" + std::to_string(i) + "] beyond iDataSize is not zero";
-            }
+        if (const auto unused = LumavenSim::FirstNonZero(data.cData, static_cast<size_t>(data.iDataSize))) {
+            return "cData[" + std::to_string(*unused) + "] beyond iDataSize is not zero";
         }
     }
     return {};
@@ -426,10 +424,8 @@ int ADL2_Display_EdidData_Get(Context handle, int iAdapterIndex, int iDisplayInd
     if (edid.iFlag != 0) {
         return record.Refuse(kInvalidParameter, "iFlag " + std::to_string(edid.iFlag) + " is not zero");
     }
-    for (size_t i = 0; i < std::size(edid.iReserved); ++i) {
-        if (edid.iReserved[i] != 0) {
-            return record.Refuse(kInvalidParameter, "iReserved[" + std::to_string(i) + "] is not zero");
-        }
+    if (const auto reserved = LumavenSim::FirstNonZero(edid.iReserved)) {
+        return record.Refuse(kInvalidParameter, "iReserved[" + std::to_string(*reserved) + "] is not zero");
     }
     int result = kOk;
     std::string refused;

@@ -17,6 +17,7 @@
 
 #include "DriverRecords.h"
 #include "IntelState.h"
+#include "RecordChecks.h"
 #include "SimState.h"
 
 #include <rapidjson/document.h>
@@ -373,18 +374,6 @@ std::pair<rapidjson::Value*, ctl_result_t> Target(Call& call, Document& state, c
     return {output, Result(Driver::kSuccess)};
 }
 
-// The index of the first non-zero element, if any.
-template <class T, size_t N>
-std::optional<size_t> FirstNonZero(const T (&values)[N], size_t from = 0)
-{
-    for (size_t i = from; i < N; ++i) {
-        if (values[i] != 0) {
-            return i;
-        }
-    }
-    return std::nullopt;
-}
-
 ctl_result_t Act(Tag<Fn::ctlGetDisplayProperties>, Call& call, Document& state, ctl_display_output_handle_t display,
                  ctl_display_properties_t* passed)
 {
@@ -393,7 +382,7 @@ ctl_result_t Act(Tag<Fn::ctlGetDisplayProperties>, Call& call, Document& state, 
     if (output == nullptr) {
         return error;
     }
-    if (const auto reserved = FirstNonZero(properties.ReservedFields)) {
+    if (const auto reserved = LumavenSim::FirstNonZero(properties.ReservedFields)) {
         return call.Refuse(Driver::kInvalidArgument, "ReservedFields[" + std::to_string(*reserved) + "] is not zero");
     }
     properties.DisplayConfigFlags = (Intel::Attached(*output) ? Driver::kDisplayAttached : 0) |
@@ -435,7 +424,7 @@ std::pair<uint32_t, std::string> CheckAux(const Driver::AuxAccessArgs& args)
                                               " bytes leaves the DPCD space"};
     }
     if (args.OpType == Driver::kAuxWrite) {
-        if (const auto unused = FirstNonZero(args.Data, args.DataSize)) {
+        if (const auto unused = LumavenSim::FirstNonZero(args.Data, args.DataSize)) {
             return {Driver::kInvalidArgument, "Data[" + std::to_string(*unused) + "] beyond DataSize is not zero"};
         }
     }
@@ -560,7 +549,7 @@ ctl_result_t Act(Tag<Fn::ctlSetPowerOptimizationSetting>, Call& call, Document& 
         return refused;
     }
     // The union's bytes past the DPST record belong to no field of it.
-    if (const auto unused = FirstNonZero(settings.FeatureSpecificData.Bytes, sizeof(Driver::DpstInfo))) {
+    if (const auto unused = LumavenSim::FirstNonZero(settings.FeatureSpecificData.Bytes, sizeof(Driver::DpstInfo))) {
         return call.Refuse(Driver::kInvalidArgument,
                            "FeatureSpecificData byte " + std::to_string(*unused) + " past the DPST record is not zero");
     }

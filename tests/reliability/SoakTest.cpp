@@ -41,8 +41,15 @@ using namespace LumavenReliability;
 
 namespace {
 
-// Growth allowed between the sample after the warm-up and the one at the end.
-constexpr int64_t kPrivateBytesBound = 1024 * 1024;
+// Growth allowed between the sample after the warm-up and the one at the end. Under Wine's
+// heap checking (scripts/heapcheck.sh) freed blocks are held back before reuse, and the
+// private bytes swing by some ten MiB either way in a run that leaks nothing; that run gives
+// a wider bound through LUMAVEN_SOAK_PRIVATE_BYTES_BOUND.
+int64_t PrivateBytesBound()
+{
+    constexpr uint64_t kBound = 1024 * 1024;
+    return static_cast<int64_t>(ChosenCount(kBound, kBound, "LUMAVEN_SOAK_PRIVATE_BYTES_BOUND"));
+}
 constexpr int64_t kHandleBound = 16;
 constexpr int64_t kTlsBound = 2;
 
@@ -278,13 +285,13 @@ TEST_P(Soak, CommandsAndEventsLeaveMemoryAndHandlesFlat)
                     Format(" growth: private=%lld handles=%lld tls=%lld bound: private<%lld handles<%lld tls<=%lld "
                            "(private from %s, handles from %s) elapsed=%.1fs",
                            static_cast<long long>(privateGrowth), static_cast<long long>(handleGrowth),
-                           static_cast<long long>(tlsGrowth), static_cast<long long>(kPrivateBytesBound),
+                           static_cast<long long>(tlsGrowth), static_cast<long long>(PrivateBytesBound()),
                            static_cast<long long>(kHandleBound), static_cast<long long>(kTlsBound), end.privateSource,
                            end.handleSource, elapsed));
 
     ASSERT_GT(warm.privateBytes, 0u) << "the private bytes cannot be read: the bound would prove nothing";
     ASSERT_GT(warm.handles, 0u) << "the handle count cannot be read: the bound would prove nothing";
-    EXPECT_LT(privateGrowth, kPrivateBytesBound);
+    EXPECT_LT(privateGrowth, PrivateBytesBound());
     EXPECT_LT(handleGrowth, kHandleBound);
     EXPECT_LE(tlsGrowth, kTlsBound);
     if (IsAmd(laptop)) {

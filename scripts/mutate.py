@@ -25,7 +25,7 @@ import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 SUITES = ["scenario_tests", "unit_tests", "fault_tests"]  # cheapest first
-SUITE_TIMEOUT = {"scenario_tests": 180, "unit_tests": 240, "fault_tests": 420}
+SUITE_TIMEOUT = {"scenario_tests": 90, "unit_tests": 150, "fault_tests": 300}
 
 COMPARISONS = {"==": "!=", "!=": "==", "<": "<=", "<=": "<", ">": ">=", ">=": ">"}
 LOGICAL = {"&&": "||", "||": "&&"}

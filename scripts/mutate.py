@@ -343,11 +343,13 @@ def equivalence_of(description, equivalents):
         return None
     with open(source, encoding="utf-8") as f:
         lines = f.read().split("\n")
-    if number > len(lines):
-        return None
-    text = lines[number - 1].strip()
     change = "%s -> ;" % match.group(6) if match.group(6) is not None else "%s -> %s" % (match.group(4), match.group(5))
-    return equivalents.get((path, text, change))
+    # The recorded line, or one near it: the source may have moved a little since the run.
+    for near in sorted(range(max(1, number - 5), min(len(lines), number + 5) + 1), key=lambda n: abs(n - number)):
+        reason = equivalents.get((path, lines[near - 1].strip(), change))
+        if reason:
+            return reason
+    return None
 
 
 def judge(build, tree, targets, log, lock, prefix):

@@ -11,7 +11,8 @@
 #include <typeinfo>
 
 #if defined(__GNUC__)
-#include <cstdlib>
+#include "util/UniqueHandles.h"
+
 #include <cxxabi.h>
 #endif
 
@@ -21,10 +22,10 @@ inline std::string UndecoratedClassName(const std::type_info& type)
 {
 #if defined(__GNUC__)
     int status = 0;
-    char* demangled = abi::__cxa_demangle(type.name(), nullptr, nullptr, &status);
+    // The demangler hands back a malloc'ed text.
+    const MallocPtr<char> demangled(abi::__cxa_demangle(type.name(), nullptr, nullptr, &status));
     std::string name = "class ";
-    name += (status == 0 && demangled != nullptr) ? demangled : type.name();
-    std::free(demangled);
+    name += (status == 0 && demangled != nullptr) ? demangled.get() : type.name();
     return name;
 #else
     return type.name();

@@ -5,6 +5,7 @@
 #include <windows.h>
 #include <setupapi.h>
 
+#include <algorithm>
 #include <memory>
 #include <new>
 
@@ -35,6 +36,7 @@ bool CarriesPanelId(const EdidBlock& edid, PanelId id)
 }
 
 constexpr DWORD kInitialEdidBufferBytes = 256;
+static_assert(kInitialEdidBufferBytes >= std::tuple_size_v<EdidBlock>, "the buffer holds at least the bytes read");
 
 std::vector<GUID> MonitorClassGuids()
 {
@@ -72,9 +74,7 @@ bool ReadEdidValue(HKEY key, EdidBlock& block)
     if (status != ERROR_SUCCESS) {
         return false;
     }
-    for (size_t i = 0; i < block.size(); ++i) {
-        block[i] = buffer[i];
-    }
+    std::copy_n(buffer.begin(), block.size(), block.begin());
     return true;
 }
 

@@ -222,9 +222,12 @@ def main():
     parser.add_argument("--summary", action="store_true",
                         help="only print the figures of every mutant in the results so far (each mutant once, "
                              "its latest verdict; survivors listed as equivalent count as equivalent)")
+    parser.add_argument("more_work", nargs="*", metavar="WORK",
+                        help="with --summary: more work folders whose results count too (runs side by side)")
     args = parser.parse_args()
     if args.summary:
-        return summarize(os.path.join(os.path.abspath(args.work), "results.tsv"))
+        folders = [args.work] + args.more_work
+        return summarize([os.path.join(os.path.abspath(folder), "results.tsv") for folder in folders])
 
     everything = ordered_mutants(args.seed, args.files)
     chosen = everything[args.skip:args.skip + args.count]
@@ -307,18 +310,19 @@ def print_figures(tally, count, survivors):
         print("  survivor: %s" % survivor)
 
 
-def summarize(results_path):
-    """The figures over every mutant in the results file, each judged by its latest run."""
-    if not os.path.exists(results_path):
-        print("no results yet: %s" % results_path)
-        return 1
+def summarize(results_paths):
+    """The figures over every mutant in the results files, each judged by its latest run."""
     equivalents = load_equivalents()
     latest = {}
-    with open(results_path, encoding="utf-8") as f:
-        for raw in f:
-            fields = raw.rstrip("\n").split("\t")
-            if len(fields) == 6:
-                latest[fields[5]] = fields
+    for results_path in results_paths:
+        if not os.path.exists(results_path):
+            print("no results: %s" % results_path)
+            return 1
+        with open(results_path, encoding="utf-8") as f:
+            for raw in f:
+                fields = raw.rstrip("\n").split("\t")
+                if len(fields) == 6:
+                    latest[fields[5]] = fields
     tally = {}
     survivors = []
     for description, (seed, index, verdict, suite, folder, _) in sorted(latest.items()):

@@ -204,7 +204,10 @@ def prepare_copy(work, log):
                 if a.read() == b.read():
                     continue
         os.makedirs(os.path.dirname(target), exist_ok=True)
-        shutil.copy2(source, target)
+        # A fresh time stamp (not the source's), so that the build sees the file changed even
+        # when the source was edited before the copy's last build.
+        shutil.copyfile(source, target)
+        shutil.copymode(source, target)
     return tree
 
 

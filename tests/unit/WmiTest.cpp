@@ -220,6 +220,18 @@ TEST(PublicWmi, ReadsTheSimulatedControllerName)
     EXPECT_THAT(LumavenTest::DescribedAdapters(), testing::ElementsAre("Intel(R) Iris(R) Xe Graphics"));
 }
 
+// A caller may hand a document that is not an object yet (a default one is null): the result
+// still lands in an object instead of in a value that cannot hold members.
+TEST(PublicWmi, AResponseThatIsNotYetAnObjectStillGetsItsResult)
+{
+    InstallGpu("Intel(R) Iris(R) Xe Graphics");
+    PublicWmi wmi;
+    Document response;
+    ASSERT_TRUE(response.IsNull());
+    EXPECT_EQ(wmi.GetPropertyValue(kVideoController, L"Name", response), StatusSuccess);
+    EXPECT_EQ(Compact(response), LR"({"result":["Intel(R) Iris(R) Xe Graphics"]})");
+}
+
 TEST(PublicWmi, ALaterQueryInTheSameProcessSeesAChangedProfile)
 {
     for (const char* name :

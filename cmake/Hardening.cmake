@@ -30,8 +30,8 @@ endif()
 
 add_compile_options(-fstack-protector-strong)
 add_compile_definitions(_FORTIFY_SOURCE=2)
-# The build folder is named after the source folder: with the usual build/ inside the source
-# tree either map gives the same names.
+# The build folder maps to ./build whatever its name or place (build-clang/, or a tree outside
+# the sources), so that debug information names the same paths in every build.
 add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=./build)
 add_link_options(-fstack-protector-strong -Wl,--dynamicbase -Wl,--high-entropy-va -Wl,--nxcompat
                  -Wl,--no-insert-timestamp)

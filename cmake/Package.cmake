@@ -1,15 +1,17 @@
-# The release package: the install tree as Lumaven-<version>-win64.zip, with a SHA-256 sum
-# file beside it. `scripts/package.sh` builds and runs it; `cpack --config
-# build/CPackConfig.cmake` does the same on a built tree.
-set(CPACK_PACKAGE_NAME Lumaven)
-set(CPACK_PACKAGE_VENDOR "Lumaven project")
-set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Lumaven display power service for the Xelto host")
-set(CPACK_SYSTEM_NAME win64)
-set(CPACK_PACKAGE_FILE_NAME ${CPACK_PACKAGE_NAME}-${CPACK_PACKAGE_VERSION}-${CPACK_SYSTEM_NAME})
-set(CPACK_GENERATOR ZIP)
-set(CPACK_PACKAGE_CHECKSUM SHA256)
-set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR}/package)
-# One archive with every component; the folders keep the product and the simulator apart.
-set(CPACK_ARCHIVE_COMPONENT_INSTALL OFF)
-include(CPack)
+# The release package: scripts/package.sh builds this tree and runs scripts/package.py on it,
+# which installs it, signs its binaries when asked, adds the SBOM and zips it into
+# package/Lumaven-<version>-win64.zip with a SHA-256 sum file beside it. What the packaging
+# step needs to know of this build is written here, once per configure.
+set(LUMAVEN_PACKAGE_NAME ${PROJECT_NAME}-${PROJECT_VERSION}-win64)
+set(LUMAVEN_PACKAGE_INFO "{
+  \"name\": \"${PROJECT_NAME}\",
+  \"version\": \"${PROJECT_VERSION}\",
+  \"package\": \"${LUMAVEN_PACKAGE_NAME}\",
+  \"vendor\": \"Lumaven project\",
+  \"system\": \"Windows x64\",
+  \"compiler\": \"${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}\",
+  \"source_dir\": \"${PROJECT_SOURCE_DIR}\",
+  \"third_party\": \"${PROJECT_SOURCE_DIR}/cmake/ThirdParty.txt\"
+}
+")
+file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/package-info.json CONTENT "${LUMAVEN_PACKAGE_INFO}")

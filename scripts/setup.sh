@@ -4,8 +4,12 @@
 set -e
 # clang-22 and lld-22: the second compiler (the clang preset); clang-tidy-14: scripts/tidy.sh;
 # clang-format-14: scripts/format.sh, pinned because each release lays code out differently.
+# The release: python3 with python3-pefile (scripts/package.py and the release tests' binary
+# check, SBOM and notices checks), osslsigncode and openssl (signing and its test), unzip
+# (the guide's walkthrough).
 packages="g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 cmake ninja-build rapidjson-dev googletest
-          clang-22 lld-22 clang-tidy-14 clang-format-14"
+          clang-22 lld-22 clang-tidy-14 clang-format-14
+          python3 python3-pefile osslsigncode openssl unzip"
 missing=""
 for package in $packages; do
   if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then

@@ -25,6 +25,10 @@ constexpr wchar_t kMonitorClassGuid[] = L"{4D36E96E-E325-11CE-BFC1-08002BE10318}
 constexpr wchar_t kSimMarker[] = L"LumavenSim";
 // Wine's own dxgi.dll is kept under this name while the fake one is installed.
 constexpr wchar_t kWineDxgiBackup[] = L"dxgi.dll.wine";
+// Where Wine reads the per-prefix library overrides at every process start.
+constexpr wchar_t kWineDllOverridesKey[] = L"Software\\Wine\\DllOverrides";
+// The fake libraries' folder beside the installer: its name in a package, and in a build tree.
+constexpr const wchar_t* kFakeLibraryFolders[] = {L"fake-vendor-libraries", L"sim"};
 
 struct KeyCloser {
     void operator()(HKEY key) const { RegCloseKey(key); }
@@ -216,8 +220,39 @@ bool PlaceFile(const std::wstring& source, const std::wstring& target)
     return RemoveFile(target) && CopyFileW(source.c_str(), target.c_str(), FALSE) != 0;
 }
 
+// The fake dxgi.dll in system32 has the name of one of Wine's own libraries, which Wine loads
+// from itself unless the prefix says otherwise. "native,builtin": the fake when it is there;
+// Wine's own, which is marked builtin and refused as native, when the profile has none, so
+// that Wine's WMI provider, which imports dxgi.dll, still loads.
+bool PreferNativeDxgi(std::string& error)
+{
+    const Key overrides = CreateKey(HKEY_CURRENT_USER, kWineDllOverridesKey);
+    if (!overrides) {
+        error = "cannot create HKCU\\Software\\Wine\\DllOverrides";
+        return false;
+    }
+    SetString(overrides.get(), L"dxgi", L"native,builtin");
+    return true;
+}
+
+// The fake libraries beside the installer, in the package's folder or the build tree's.
+std::wstring FakeLibraryDirectory()
+{
+    const std::wstring here = ExecutableDirectory();
+    for (const wchar_t* folder : kFakeLibraryFolders) {
+        const std::wstring candidate = here + L"\\" + folder;
+        if (GetFileAttributesW(candidate.c_str()) != INVALID_FILE_ATTRIBUTES) {
+            return candidate;
+        }
+    }
+    return here + L"\\" + kFakeLibraryFolders[0];
+}
+
 bool InstallLibraries(const rapidjson::Value* libraries, const std::wstring& simDlls, std::string& error)
 {
+    if (!PreferNativeDxgi(error)) {
+        return false;
+    }
     const std::wstring system32 = System32();
     SweepStaleFiles(system32);
     const std::wstring wineDxgi = system32 + L"\\" + kWineDxgiBackup;
@@ -295,7 +330,7 @@ InstallResult InstallProfile(const std::string& profileText, const std::wstring&
     if (!InstallMonitors(profile.HasMember("monitors") ? profile["monitors"] : none, result.error)) {
         return result;
     }
-    const std::wstring simDlls = simDllDirectory.empty() ? ExecutableDirectory() + L"\\sim" : simDllDirectory;
+    const std::wstring simDlls = simDllDirectory.empty() ? FakeLibraryDirectory() : simDllDirectory;
     if (!InstallLibraries(profile.HasMember("libraries") ? &profile["libraries"] : nullptr, simDlls, result.error)) {
         return result;
     }

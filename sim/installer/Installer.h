@@ -1,6 +1,7 @@
 // Installs a machine profile into the current Wine prefix: the monitors with their EDIDs in
-// the registry where SetupAPI finds them, the fake vendor libraries in system32, and the
-// fake drivers' initial state. It refuses to touch anything but a Wine prefix, since the
+// the registry where SetupAPI finds them, the fake vendor libraries in system32 with the
+// prefix's override that makes Wine load the fake dxgi.dll, and the fake drivers' initial
+// state. It refuses to touch anything but a Wine prefix, since the
 // fakes carry real driver names.
 #pragma once
 
@@ -20,7 +21,7 @@ struct InstallResult {
 };
 
 // `profileText` is the profile's JSON. The fake libraries are taken from `simDllDirectory`
-// (bin\sim beside the executables when empty).
+// (when empty: fake-vendor-libraries beside the installer in a package, sim in a build tree).
 InstallResult InstallProfile(const std::string& profileText, const std::wstring& simDllDirectory = L"");
 InstallResult InstallProfileFile(const std::wstring& path, const std::wstring& simDllDirectory = L"");
 

@@ -1,8 +1,10 @@
-// Every example of the integration guide, run as the guide shows it. The command examples
+// The integration guide's Windows examples, run as the guide shows them. The command examples
 // (```cmd blocks: "> " lines are commands, run in the install tree's bin folder as a host
 // vendor would run them from the unpacked package; the lines after one are its output, where
 // a line "..." stands for any number of lines) are run in order on a clean simulated machine.
-// The guide's C++ host code (```cpp blocks) is compiled into this program and run here.
+// The guide's C++ host code (```cpp blocks) is compiled into this program and run here. The
+// guide's Linux walkthrough of the simulated laptop (```sh blocks) is run from the zip itself,
+// in a new Wine prefix, by guide-walkthrough.py.
 #include "ProcessRunner.h"
 #include "Registry.h"
 #include "ReleaseTree.h"
@@ -112,8 +114,9 @@ TEST(GuideExamples, CommandLinesPrintWhatTheGuideShows)
 {
     const std::wstring bin = InstallTree() + L"\\bin";
     const std::vector<Example> examples = ReadExamples(InstallTree() + L"\\share\\lumaven\\integration.md");
-    // The guide shows many commands; none found means its blocks were not recognised.
-    ASSERT_GE(examples.size(), 10u);
+    // The guide shows at least `xelto-host --version`; none found means its blocks were not
+    // recognised.
+    ASSERT_GE(examples.size(), 1u);
     // The examples start from a machine where "OLED" was never stored.
     LumavenTest::DeleteSettingsKey();
     for (const Example& example : examples) {

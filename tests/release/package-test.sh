@@ -1,9 +1,11 @@
 #!/bin/sh
 # The release package, checked as a host vendor receives it: made by the package step from
-# this build tree, its checksum verified, unpacked, its file list and stripped binaries and
-# version resources checked, and then its xelto-host.exe run against its LumavenService.dll on
-# a simulated laptop in a fresh Wine prefix. The answer (output and the AUX writes that
-# reached the panel) must be the build tree's answer on the same laptop.
+# this build tree, its checksum verified, unpacked, its file list compared with the manifest
+# kept beside this script, its stripped binaries, version resources and SBOM checked, and then
+# its xelto-host.exe run against its LumavenService.dll on a simulated laptop in a fresh Wine
+# prefix. The answer (output and the AUX writes that reached the panel) must be the build
+# tree's answer on the same laptop. The zip stays in BUILD_DIR/package-test/out for the guide
+# walkthrough.
 # usage: package-test.sh BUILD_DIR VERSION
 set -eu
 build=$(cd "$1" && pwd)
@@ -22,8 +24,8 @@ fail() {
 rm -rf "$work"
 mkdir -p "$work/unpacked"
 
-cpack --config "$build/CPackConfig.cmake" -B "$work/out" >"$work/cpack.log" 2>&1 ||
-  fail "cpack failed: $(tail -5 "$work/cpack.log")"
+/usr/bin/python3 "$source_dir/scripts/package.py" "$build" --out "$work/out" >"$work/package.log" 2>&1 ||
+  fail "the package step failed: $(tail -5 "$work/package.log")"
 zip=$work/out/$name.zip
 [ -f "$zip" ] || fail "no $name.zip in $work/out"
 (cd "$work/out" && sha256sum -c "$name.zip.sha256" >/dev/null) || fail "$name.zip does not match its .sha256 file"
@@ -33,32 +35,26 @@ echo "package: $name.zip, $(wc -c <"$zip") bytes"
 root=$work/unpacked/$name
 [ -d "$root" ] || fail "the zip has no top folder $name"
 
-# The file list: the product exactly, the simulated laptop apart under share/lumaven/sim.
-debug_suffix=.debug
-[ -f "$build/bin/LumavenService.pdb" ] && debug_suffix=.pdb
-{
-  for binary in LumavenService.dll XeltoLog.dll xelto-host.exe; do
-    echo "bin/$binary"
-    if [ "$debug_suffix" = .pdb ]; then echo "bin/${binary%.*}.pdb"; else echo "bin/$binary.debug"; fi
-  done
-  (cd "$source_dir" && ls include/xelto/*.h)
-  echo share/lumaven/CHANGELOG.md
-  echo share/lumaven/integration.md
-  echo share/lumaven/sim/lumaven-sim.exe
-  (cd "$source_dir/sim" && ls README*.md profiles/*.json demo/*.script) | sed 's|^|share/lumaven/sim/|'
-  (cd "$build/bin" && ls sim/*.dll) | sed 's|^|share/lumaven/sim/|'
-} | LC_ALL=C sort >"$work/expected-files.txt"
+# The file list: the manifest's lines for every build and for this compiler's debug files,
+# with the package's name for @PACKAGE@.
+compiler=gcc
+[ -f "$build/bin/LumavenService.pdb" ] && compiler=clang
+sed -n -e "s/^\(all\|$compiler\): *//p" "$source_dir/tests/release/package-manifest.txt" | sed "s/@PACKAGE@/$name/" |
+  LC_ALL=C sort >"$work/expected-files.txt"
 (cd "$root" && find . -type f | sed 's|^\./||' | LC_ALL=C sort) >"$work/files.txt"
-diff -u "$work/expected-files.txt" "$work/files.txt" >&2 || fail "the zip's file list is not the expected one"
+diff -u "$work/expected-files.txt" "$work/files.txt" >&2 ||
+  fail "the zip's file list is not tests/release/package-manifest.txt's (update it when a file is meant to come or go)"
+
+/usr/bin/python3 "$source_dir/tests/release/sbom-check.py" "$zip" "$version" || fail "the SBOM does not describe the zip"
 
 # Stripped binaries; the product's debug information beside them, found again by debuglink.
 for binary in "$root"/bin/*.dll "$root"/bin/*.exe "$root"/share/lumaven/sim/lumaven-sim.exe \
-  "$root"/share/lumaven/sim/sim/*.dll; do
+  "$root"/share/lumaven/sim/fake-vendor-libraries/*.dll; do
   if "$objdump" -h "$binary" | grep -q ' \.debug_'; then
     fail "$binary still carries debug sections"
   fi
 done
-if [ "$debug_suffix" = .debug ]; then
+if [ "$compiler" = gcc ]; then
   for binary in "$root"/bin/*.dll "$root"/bin/*.exe; do
     "$objdump" -h "$binary" | grep -q ' \.gnu_debuglink ' || fail "$binary has no debuglink"
     "$objdump" -h "$binary.debug" | grep -q ' \.debug_info ' || fail "$binary.debug holds no debug information"

@@ -4,7 +4,7 @@
 // fakes carry real driver names.
 #pragma once
 
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <string>
 #include <vector>

@@ -168,6 +168,10 @@ const Unhooked kUnhooked[] = {
       "_stricmp"},
      "the C runtime's string, memory, formatting and start-up functions: they cannot fail, or fail only on the "
      "caller's error"},
+    {"msvcrt.dll",
+     {"_assert", "_vsnprintf", "fgetwc", "getc", "getenv", "isspace", "sprintf", "strstr", "strtoul"},
+     "a Debug build's runtime: assert() and libstdc++'s checks, and the runtime's own start-up reading; none is "
+     "called by the service's own code"},
     {"XeltoLog.dll",
      {"_ZN10LogManager11SetProviderEPKc", "_ZN10LogManager9GetLoggerEv", "_ZN11TraceLogger10LogWarningE11LoggingDataz",
       "_ZN11TraceLogger7LogInfoEPKwz", "_ZN11TraceLogger8LogErrorE11LoggingDataz", "_ZN11TraceLogger8LogErrorEPKcz",

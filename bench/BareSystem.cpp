@@ -3,9 +3,7 @@
 
 #include "xelto/Logging.h"
 
-#include <rapidjson/document.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
+#include "LumavenRapidJson.h"
 
 #include <setupapi.h>
 #include <wbemidl.h>

@@ -21,6 +21,9 @@ file(WRITE ${CMAKE_BINARY_DIR}/third_party/document.h "${document}")
 file(COPY_FILE ${CMAKE_BINARY_DIR}/third_party/document.h ${rapidjson_copy}/document.h ONLY_IF_DIFFERENT)
 add_library(rapidjson INTERFACE)
 target_include_directories(rapidjson SYSTEM INTERFACE ${LUMAVEN_RAPIDJSON_DIR})
+# Every inclusion goes through third_party/LumavenRapidJson.h, which sets the project's policy
+# for the library's assertions and allocation failures.
+target_include_directories(rapidjson INTERFACE ${PROJECT_SOURCE_DIR}/third_party)
 
 option(LUMAVEN_BUILD_TESTS "Build the GoogleTest suites" ON)
 set(LUMAVEN_GTEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest sources to cross-compile")

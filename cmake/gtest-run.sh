@@ -41,6 +41,8 @@ rm -f "$report"
 listing="$report_dir/$name.list"
 "$wine_run" "$program" --gtest_list_tests "$@" >"$listing" 2>&1 || fail "could not list its tests (exit code $?): $(cat "$listing")"
 expected=$(grep -c '^  [^ ]' "$listing")
+# A filter that matches nothing would pass every check below with nothing run.
+[ "$expected" -gt 0 ] || fail "no test matches the arguments: $*"
 
 "$wine_run" "$program" "--gtest_output=xml:$report" "$@"
 code=$?

@@ -1,6 +1,7 @@
 #!/bin/sh
 # Configures (once) and builds everything with one compiler's preset: mingw (GCC, the
-# default) into build/, clang (Clang and LLD) into build-clang/. Cache settings given after
+# default) into build/, clang (Clang and LLD) into build-clang/, debug (GCC, Debug, with
+# libstdc++'s and RapidJSON's checks on) into build-debug/. Cache settings given after
 # the preset name configure the tree again with them, e.g.
 #   scripts/build.sh clang -DLUMAVEN_WARNINGS_AS_ERRORS=ON
 set -e
@@ -10,7 +11,8 @@ preset=${1:-mingw}
 case "$preset" in
   mingw) tree=build ;;
   clang) tree=build-clang ;;
-  *) echo "usage: $0 [mingw|clang] [-DNAME=VALUE...]" >&2; exit 2 ;;
+  debug) tree=build-debug ;;
+  *) echo "usage: $0 [mingw|clang|debug] [-DNAME=VALUE...]" >&2; exit 2 ;;
 esac
 scripts/setup.sh
 if [ ! -f "$tree/build.ninja" ] || [ $# -gt 0 ]; then

@@ -7,9 +7,7 @@
 
 #include "xelto/LogSink.h"
 
-#include <rapidjson/document.h>
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
+#include "LumavenRapidJson.h"
 
 #include <windows.h>
 

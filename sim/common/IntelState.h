@@ -4,7 +4,7 @@
 // in sim/README.md.
 #pragma once
 
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <cstdint>
 #include <map>

@@ -1,7 +1,6 @@
 #include "SimState.h"
 
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
+#include "LumavenRapidJson.h"
 
 #include <windows.h>
 

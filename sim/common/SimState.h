@@ -6,7 +6,7 @@
 // access across processes.
 #pragma once
 
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <cstdint>
 #include <functional>

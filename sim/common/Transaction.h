@@ -2,7 +2,7 @@
 // profile sections they read and change in place.
 #pragma once
 
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <cstdint>
 #include <string>

@@ -21,7 +21,7 @@
 #include "SimState.h"
 #include "Transaction.h"
 
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <windows.h>
 

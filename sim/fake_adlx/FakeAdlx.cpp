@@ -17,7 +17,7 @@
 
 #include "AdlxInterfaces.h"
 
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <windows.h>
 

@@ -20,7 +20,7 @@
 #include "RecordChecks.h"
 #include "SimState.h"
 
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <windows.h>
 

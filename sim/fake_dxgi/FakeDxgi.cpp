@@ -11,7 +11,7 @@
 // the transaction log.
 #include "SimState.h"
 
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <windows.h>
 #include <dxgi1_3.h>

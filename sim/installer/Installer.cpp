@@ -3,8 +3,7 @@
 #include "Report.h"
 #include "SimState.h"
 
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
+#include "LumavenRapidJson.h"
 
 #include <windows.h>
 

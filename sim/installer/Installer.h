@@ -5,7 +5,7 @@
 // fakes carry real driver names.
 #pragma once
 
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <string>
 #include <vector>

@@ -2,6 +2,7 @@
 #include "service/ResponseText.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
@@ -12,6 +13,13 @@ namespace {
 
 // Responses are capped at this many wide characters, the terminator included.
 constexpr size_t kMaxResponseChars = 0x10000;
+
+// The response's memory pool starts in a buffer of the call's own, large enough for the member
+// tables of every response a command writes (the first table holds 16 members, the next 24).
+// Adding a member then never allocates: when RapidJSON's AddMember fails to allocate, it
+// leaves the object with a capacity it has no storage for, and a composite handler adds its
+// own "result" after an inner one may have failed for want of memory.
+constexpr size_t kResponsePoolBytes = 2048;
 
 enum class CommandLock { None, Main, Adlx };
 
@@ -108,7 +116,9 @@ uint32_t LumavenService::ExecuteCommand(CallContext* context, uint32_t command, 
         return result;
     }
 
-    Document response;
+    alignas(std::max_align_t) std::array<char, kResponsePoolBytes> pool;
+    JsonAllocator responseAllocator(pool.data(), pool.size());
+    Document response(&responseAllocator);
     response.SetObject();
     Document request;
     if (!ParseRequest(request, message)) {

@@ -1,8 +1,5 @@
 #include "service/Json.h"
 
-#include <rapidjson/memorystream.h>
-#include <rapidjson/writer.h>
-
 #include <cwchar>
 
 namespace Xelto::Spanlet::Server::Services::Lumaven {
@@ -24,13 +21,17 @@ bool ParseRequest(Document& document, const wchar_t* text)
 {
     // The iterative parser accepts exactly the texts of the default recursive one, but keeps
     // a deeply nested request off the machine stack.
-    document.Parse<rapidjson::kParseIterativeFlag>(text);
+    try {
+        document.Parse<rapidjson::kParseIterativeFlag>(text);
+    } catch (const LumavenJson::AssertionFailure&) {
+        return false;
+    }
     return !document.HasParseError();
 }
 
 void WriteCompact(const Document& document, JsonText& out)
 {
-    rapidjson::Writer<JsonText, JsonEncoding, JsonEncoding> writer(out);
+    rapidjson::Writer<JsonText, JsonEncoding, JsonEncoding, LumavenJson::ThrowingAllocator> writer(out);
     document.Accept(writer);
 }
 

@@ -2,19 +2,22 @@
 // converted to UTF-8.
 #pragma once
 
-#include <rapidjson/document.h>
-#include <rapidjson/encodings.h>
-#include <rapidjson/stringbuffer.h>
+#include "LumavenRapidJson.h"
 
 namespace Xelto::Spanlet::Server::Services::Lumaven {
 
 using JsonEncoding = rapidjson::UTF16<wchar_t>;
-using Document = rapidjson::GenericDocument<JsonEncoding>;
+// RapidJSON's memory pool over an allocator that throws std::bad_alloc instead of handing the
+// library a null pointer; the parse stack and the text buffer use the same.
+using JsonAllocator = rapidjson::MemoryPoolAllocator<LumavenJson::ThrowingAllocator>;
+using Document = rapidjson::GenericDocument<JsonEncoding, JsonAllocator, LumavenJson::ThrowingAllocator>;
 using JsonValue = Document::ValueType;
-using JsonText = rapidjson::GenericStringBuffer<JsonEncoding>;
+using JsonText = rapidjson::GenericStringBuffer<JsonEncoding, LumavenJson::ThrowingAllocator>;
 
 // Parses `text` into `document` by the default rules: exactly one JSON value, blanks around
-// it allowed. Returns false on any parse error.
+// it allowed. Returns false on any parse error, and also when the text breaks one of the JSON
+// library's own preconditions (a lone low surrogate in a \u escape): such a text is malformed
+// in every build. Running out of memory throws std::bad_alloc.
 bool ParseRequest(Document& document, const wchar_t* text);
 
 // The compact form of `document` (no blanks), NUL-terminated.

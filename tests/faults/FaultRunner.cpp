@@ -33,7 +33,7 @@
 #include "util/UniqueHandles.h"
 
 #include <gtest/gtest.h>
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <windows.h>
 #include <sddl.h>

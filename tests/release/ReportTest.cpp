@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <ostream>
 #include <sstream>

@@ -3,7 +3,7 @@
 #include "RunSettings.h"
 #include "SimState.h"
 
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 namespace LumavenReliability {
 

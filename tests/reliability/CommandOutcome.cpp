@@ -2,7 +2,7 @@
 
 #include "RunSettings.h"
 
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <windows.h>
 

@@ -10,8 +10,7 @@
 #include "SimState.h"
 
 #include <gtest/gtest.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
+#include "LumavenRapidJson.h"
 
 #include <memory>
 #include <optional>

@@ -10,7 +10,7 @@
 #include "SimState.h"
 
 #include <gtest/gtest.h>
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <algorithm>
 #include <chrono>

@@ -10,7 +10,7 @@
 #include "intel/ControlLibFunctions.h"
 
 #include <gtest/gtest.h>
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <cstdio>
 #include <cstring>

@@ -100,6 +100,43 @@ std::vector<std::string> ExportedNames(const std::wstring& path)
     return names;
 }
 
+std::vector<ImportedName> ImportedNames(const std::wstring& path)
+{
+    PeImage image;
+    size_t offset = 0;
+    DWORD size = 0;
+    if (!image.Load(path) || !image.Directory(IMAGE_DIRECTORY_ENTRY_IMPORT, offset, size)) {
+        return {};
+    }
+    const std::vector<char>& file = image.file;
+    const auto text = [&file](size_t at) {
+        return std::string(file.data() + at, strnlen(file.data() + at, file.size() - at));
+    };
+    std::vector<ImportedName> names;
+    IMAGE_IMPORT_DESCRIPTOR descriptor;
+    for (size_t entry = offset; ReadAt(file, entry, descriptor) && descriptor.Name != 0; entry += sizeof descriptor) {
+        size_t libraryOffset = 0;
+        size_t thunks = 0;
+        const DWORD lookup = descriptor.OriginalFirstThunk != 0 ? descriptor.OriginalFirstThunk : descriptor.FirstThunk;
+        if (!image.ToOffset(descriptor.Name, libraryOffset) || !image.ToOffset(lookup, thunks)) {
+            return {};
+        }
+        const std::string library = text(libraryOffset);
+        uint64_t thunk = 0;
+        for (size_t at = thunks; ReadAt(file, at, thunk) && thunk != 0; at += sizeof thunk) {
+            size_t hintName = 0;
+            if ((thunk & IMAGE_ORDINAL_FLAG64) != 0) {
+                continue;  // by ordinal: no name to report
+            }
+            if (!image.ToOffset(static_cast<DWORD>(thunk), hintName)) {
+                return {};
+            }
+            names.push_back({library, text(hintName + sizeof(WORD))});
+        }
+    }
+    return names;
+}
+
 std::optional<CodeViewRecord> ReadCodeViewRecord(const std::wstring& path)
 {
     PeImage image;

@@ -14,6 +14,16 @@ namespace LumavenTest {
 // cannot be read or has no export directory.
 std::vector<std::string> ExportedNames(const std::wstring& path);
 
+// One import by name: the library as the file names it ("ADVAPI32.dll") and the function.
+struct ImportedName {
+    std::string library;
+    std::string function;
+};
+
+// The functions the file imports by name, library by library in the file's order; empty when
+// the file cannot be read or imports nothing.
+std::vector<ImportedName> ImportedNames(const std::wstring& path);
+
 // A CodeView (RSDS) record of the debug directory: the PDB's identity and the path the
 // linker wrote for it. A debugger takes the PDB only when its GUID and age are these.
 struct CodeViewRecord {

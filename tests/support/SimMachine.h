@@ -1,7 +1,7 @@
 // Puts the simulated laptop a test needs into the Wine prefix.
 #pragma once
 
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <string>
 #include <vector>

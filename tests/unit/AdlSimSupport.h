@@ -5,7 +5,7 @@
 #include "SimMachine.h"
 #include "SimState.h"
 
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <string>
 #include <vector>

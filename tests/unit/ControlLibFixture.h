@@ -9,7 +9,7 @@
 #include "intel/ControlLibClient.h"
 
 #include <gtest/gtest.h>
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <windows.h>
 

@@ -93,7 +93,9 @@ TEST(ExecuteCommand, CommandsOutsideOneToFourteenAreUnsupportedWithAnEmptyRespon
 TEST(ExecuteCommand, MalformedRequestsGiveInvalidRequestAndNoText)
 {
     LumavenService service;
-    for (const wchar_t* request : {L"", L"   \t\r\n ", L"{}{}", L"{", L"{\"BValue\":tru}", L"nul", L"{} x"}) {
+    // The last ones are under 20 characters and broke an assertion inside the JSON library.
+    for (const wchar_t* request : {L"", L"   \t\r\n ", L"{}{}", L"{", L"{\"BValue\":tru}", L"nul", L"{} x",
+                                   L"\"\\uDC00\"", L"{\"BValue\":\"\\uDFFF\"}"}) {
         LogCapture capture;
         CallContext context{1};
         wchar_t* out = kUntouched;

@@ -6,7 +6,7 @@
 #include "ControlLibFixture.h"
 
 #include <gtest/gtest.h>
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <algorithm>
 #include <fstream>

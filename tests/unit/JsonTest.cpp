@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
 
 namespace {
@@ -72,6 +75,41 @@ TEST(Json, ParserFollowsTheDefaultRules)
     EXPECT_TRUE(ParseRequest(document, L" \t\r\n{} \r\n"));
     EXPECT_TRUE(ParseRequest(document, L"[]"));
     EXPECT_TRUE(ParseRequest(document, L"-1.5e300"));
+}
+
+TEST(Json, EveryKindOfEscapeTheParserTakes)
+{
+    Document document;
+    ASSERT_TRUE(ParseRequest(document, L"\"\\\"\\\\\\/\\b\\f\\n\\r\\t\""));
+    EXPECT_EQ(std::wstring(document.GetString(), document.GetStringLength()), L"\"\\/\b\f\n\r\t");
+    // One \u escape of each class, at the ends of its range: control, ASCII, the BMP below and
+    // above the surrogates, and surrogate pairs (kept as the same two code units).
+    const std::pair<const wchar_t*, std::wstring> escapes[] = {
+        {L"\"\\u0000\\u001f\"", std::wstring{L'\0', L'\x1F'}},
+        {L"\"\\u0020\\u007F\"", L" \x7F"},
+        {L"\"\\u0080\\uD7FF\"", L"\x80\xD7FF"},
+        {L"\"\\uE000\\uffff\"", L"\xE000\xFFFF"},
+        {L"\"\\uD800\\uDC00\\udbff\\udfff\"", L"\xD800\xDC00\xDBFF\xDFFF"},
+    };
+    for (const auto& [text, expected] : escapes) {
+        ASSERT_TRUE(ParseRequest(document, text)) << text;
+        EXPECT_EQ(std::wstring(document.GetString(), document.GetStringLength()), expected) << text;
+    }
+}
+
+// RapidJSON asserts on an escaped lone low surrogate (a Debug build of the host would abort)
+// and lets a release build store it: the service refuses every escaped surrogate that is not
+// a high one followed by a low one, the same way in every build.
+TEST(Json, EscapedSurrogatesOutOfPairAreMalformedInEveryBuild)
+{
+    Document document;
+    for (const wchar_t* text :
+         {L"\"\\uDC00\"", L"\"\\udfff\"", L"{\"BValue\":\"\\uDC00\"}", L"[\"a\\uDE00b\"]", L"\"\\uDC00\\uD800\"",
+          L"\"\\uD800\"", L"\"\\uDBFF\\u0041\"", L"\"\\uD800\\uD800\"", L"\"\\uD800\\n\""}) {
+        EXPECT_FALSE(ParseRequest(document, text)) << text;
+    }
+    // A raw lone surrogate is not an escape: the parser does not validate the encoding.
+    EXPECT_TRUE(ParseRequest(document, L"\"\xDC00\""));
 }
 
 TEST(Json, CompactWriterEscapesAsJsonRequires)

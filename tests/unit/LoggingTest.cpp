@@ -6,7 +6,7 @@
 #include "xelto/LogSink.h"
 
 #include <gtest/gtest.h>
-#include <rapidjson/document.h>
+#include "LumavenRapidJson.h"
 
 #include <windows.h>
 

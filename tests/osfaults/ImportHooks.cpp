@@ -1,0 +1,517 @@
+#include "ImportHooks.h"
+
+#include <oleauto.h>
+#include <setupapi.h>
+#include <wbemcli.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <mutex>
+#include <set>
+#include <type_traits>
+
+namespace LumavenOsFaults {
+
+Hook::Hook(const char* library, const char* function, bool canFail)
+    : m_library(library), m_function(function), m_canFail(canFail)
+{
+}
+
+void Hook::Arm(const Failure& failure)
+{
+    m_failure = failure;
+    m_armed = m_canFail;
+    ResetCounts();
+}
+
+void Hook::Disarm()
+{
+    m_armed = false;
+    ResetCounts();
+}
+
+void Hook::ResetCounts()
+{
+    m_calls = 0;
+    m_failed = 0;
+}
+
+bool Hook::Fires(intptr_t& value)
+{
+    const int call = ++m_calls;
+    if (!m_armed || call < m_failure.nth || (!m_failure.every && call != m_failure.nth)) {
+        return false;
+    }
+    ++m_failed;
+    if (m_failure.lastError != 0) {
+        SetLastError(m_failure.lastError);
+    }
+    value = m_failure.value;
+    return true;
+}
+
+namespace {
+
+// ---- Generic replacements -----------------------------------------------------------------
+
+template <size_t N>
+struct Name {
+    char text[N];
+    constexpr Name(const char (&name)[N])
+    {
+        for (size_t i = 0; i < N; ++i) {
+            text[i] = name[i];
+        }
+    }
+};
+
+template <class R>
+R Returned(intptr_t value)
+{
+    if constexpr (std::is_void_v<R>) {
+        return;
+    } else if constexpr (std::is_pointer_v<R>) {
+        return reinterpret_cast<R>(value);
+    } else {
+        return static_cast<R>(value);
+    }
+}
+
+// The replacement of one import: a failed call returns the planned value without reaching
+// the real function. (x64 Windows has one calling convention, so WINAPI is not part of the
+// type.)
+template <Name library, Name function, class Signature>
+struct Import;
+
+template <Name library, Name function, class R, class... A>
+struct Import<library, function, R (*)(A...)> {
+    static inline Hook hook{library.text, function.text, !std::is_void_v<R>};
+
+    static R Call(A... arguments)
+    {
+        intptr_t value = 0;
+        if (hook.Fires(value)) {
+            return Returned<R>(value);
+        }
+        return reinterpret_cast<R (*)(A...)>(hook.original)(arguments...);
+    }
+};
+
+template <class Replacement>
+Hook* Bind(Hook& hook, Replacement* replacement)
+{
+    hook.replacement = reinterpret_cast<void*>(replacement);
+    return &hook;
+}
+
+// The plain function pointer type of an import, without the attributes (malloc's, say) that
+// have no place in a template argument.
+template <class R, class... A>
+auto PlainSignature(R (*)(A...)) -> R (*)(A...);
+
+#define LUMAVEN_IMPORT(library, function) Import<library, #function, decltype(PlainSignature(&::function))>
+#define LUMAVEN_GENERIC(library, function) \
+    Bind(LUMAVEN_IMPORT(library, function)::hook, &LUMAVEN_IMPORT(library, function)::Call)
+
+// ---- The allocation functions ---------------------------------------------------------------
+
+struct Heap {
+    std::mutex lock;
+    std::set<void*> live;
+    int calls = 0;
+    int failAt = 0;
+};
+
+Heap& DllHeap()
+{
+    static Heap heap;
+    return heap;
+}
+
+// Counts one allocation call of the sequence; true when it is the one that fails.
+bool SequenceFails()
+{
+    Heap& heap = DllHeap();
+    const std::lock_guard guard(heap.lock);
+    return ++heap.calls == heap.failAt;
+}
+
+void* Tracked(void* block)
+{
+    if (block != nullptr) {
+        Heap& heap = DllHeap();
+        const std::lock_guard guard(heap.lock);
+        heap.live.insert(block);
+    }
+    return block;
+}
+
+void Untracked(void* block)
+{
+    Heap& heap = DllHeap();
+    const std::lock_guard guard(heap.lock);
+    heap.live.erase(block);
+}
+
+template <class Hooked>
+bool AllocationFails()
+{
+    const bool sequence = SequenceFails();
+    intptr_t ignored = 0;
+    const bool own = Hooked::hook.Fires(ignored);
+    return sequence || own;
+}
+
+template <class Hooked>
+auto Original()
+{
+    return reinterpret_cast<decltype(&Hooked::Call)>(Hooked::hook.original);
+}
+
+using Malloc = LUMAVEN_IMPORT("msvcrt.dll", malloc);
+using Calloc = LUMAVEN_IMPORT("msvcrt.dll", calloc);
+using Realloc = LUMAVEN_IMPORT("msvcrt.dll", realloc);
+using Strdup = LUMAVEN_IMPORT("msvcrt.dll", _strdup);
+using Free = LUMAVEN_IMPORT("msvcrt.dll", free);
+using BstrAlloc = LUMAVEN_IMPORT("OLEAUT32.dll", SysAllocStringLen);
+using BstrFree = LUMAVEN_IMPORT("OLEAUT32.dll", SysFreeString);
+
+void* HookedMalloc(size_t size)
+{
+    if (AllocationFails<Malloc>()) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    return Tracked(Original<Malloc>()(size));
+}
+
+void* HookedCalloc(size_t count, size_t size)
+{
+    if (AllocationFails<Calloc>()) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    return Tracked(Original<Calloc>()(count, size));
+}
+
+// A failed realloc leaves the block where it was, with its owner.
+void* HookedRealloc(void* block, size_t size)
+{
+    if (AllocationFails<Realloc>()) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    void* const moved = Original<Realloc>()(block, size);
+    if (moved != nullptr || size == 0) {
+        Untracked(block);
+    }
+    return Tracked(moved);
+}
+
+char* HookedStrdup(const char* text)
+{
+    if (AllocationFails<Strdup>()) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    return static_cast<char*>(Tracked(Original<Strdup>()(text)));
+}
+
+void HookedFree(void* block)
+{
+    intptr_t ignored = 0;
+    Free::hook.Fires(ignored);
+    Untracked(block);
+    Original<Free>()(block);
+}
+
+BSTR WINAPI HookedBstrAlloc(const OLECHAR* text, UINT length)
+{
+    if (AllocationFails<BstrAlloc>()) {
+        return nullptr;
+    }
+    return static_cast<BSTR>(Tracked(Original<BstrAlloc>()(text, length)));
+}
+
+void WINAPI HookedBstrFree(BSTR text)
+{
+    intptr_t ignored = 0;
+    BstrFree::hook.Fires(ignored);
+    Untracked(text);
+    Original<BstrFree>()(text);
+}
+
+// ---- COM methods ------------------------------------------------------------------------------
+//
+// The WMI objects the DLL receives get a copy of their method table in which one method is
+// replaced: the object is otherwise untouched (its reference counts, its other interfaces and
+// what it hands out stay its own), and the replaced method fails when armed. Slot numbers are
+// those of the interfaces' published layouts: IUnknown's three methods, then the interface's
+// own in declaration order.
+
+struct MethodTable {
+    size_t slots;
+    size_t replaced;
+};
+constexpr MethodTable kLocatorTable{4, 3};       // IWbemLocator: ConnectServer
+constexpr MethodTable kServicesTable{26, 20};    // IWbemServices: ExecQuery
+constexpr MethodTable kEnumeratorTable{8, 4};    // IEnumWbemClassObject: Next
+constexpr MethodTable kClassObjectTable{27, 4};  // IWbemClassObject: Get
+
+Hook g_connectServer{"ole32.dll", "IWbemLocator::ConnectServer", true};
+Hook g_execQuery{"ole32.dll", "IWbemServices::ExecQuery", true};
+Hook g_next{"ole32.dll", "IEnumWbemClassObject::Next", true};
+Hook g_get{"ole32.dll", "IWbemClassObject::Get", true};
+
+void ReplaceMethod(void* object, const MethodTable& layout, Hook& hook)
+{
+    static std::mutex lock;
+    static std::map<void**, std::vector<void*>> copies;
+    const std::lock_guard guard(lock);
+    void**& table = *static_cast<void***>(object);
+    for (const auto& [original, copy] : copies) {
+        if (table == copy.data()) {
+            return;  // handed out again: already has its copy
+        }
+    }
+    std::vector<void*>& copy = copies[table];
+    if (copy.empty()) {
+        copy.assign(table, table + layout.slots);
+        copy[layout.replaced] = hook.replacement;
+    }
+    hook.original = table[layout.replaced];
+    table = copy.data();
+}
+
+template <class Method>
+Method OriginalMethod(const Hook& hook)
+{
+    return reinterpret_cast<Method>(hook.original);
+}
+
+HRESULT WINAPI HookedGet(IWbemClassObject* self, LPCWSTR name, long flags, VARIANT* value, CIMTYPE* type, long* flavor)
+{
+    intptr_t failed = 0;
+    if (g_get.Fires(failed)) {
+        return static_cast<HRESULT>(failed);
+    }
+    return OriginalMethod<decltype(&HookedGet)>(g_get)(self, name, flags, value, type, flavor);
+}
+
+HRESULT WINAPI HookedNext(IEnumWbemClassObject* self, long timeout, ULONG count, IWbemClassObject** objects,
+                          ULONG* returned)
+{
+    intptr_t failed = 0;
+    if (g_next.Fires(failed)) {
+        if (returned != nullptr) {
+            *returned = 0;
+        }
+        return static_cast<HRESULT>(failed);
+    }
+    const HRESULT result = OriginalMethod<decltype(&HookedNext)>(g_next)(self, timeout, count, objects, returned);
+    for (ULONG i = 0; SUCCEEDED(result) && returned != nullptr && i < *returned; ++i) {
+        ReplaceMethod(objects[i], kClassObjectTable, g_get);
+    }
+    return result;
+}
+
+HRESULT WINAPI HookedExecQuery(IWbemServices* self, BSTR language, BSTR query, long flags, IWbemContext* context,
+                               IEnumWbemClassObject** enumerator)
+{
+    intptr_t failed = 0;
+    if (g_execQuery.Fires(failed)) {
+        *enumerator = nullptr;
+        return static_cast<HRESULT>(failed);
+    }
+    const HRESULT result =
+        OriginalMethod<decltype(&HookedExecQuery)>(g_execQuery)(self, language, query, flags, context, enumerator);
+    if (SUCCEEDED(result) && *enumerator != nullptr) {
+        ReplaceMethod(*enumerator, kEnumeratorTable, g_next);
+    }
+    return result;
+}
+
+HRESULT WINAPI HookedConnectServer(IWbemLocator* self, BSTR wmiNamespace, BSTR user, BSTR password, BSTR locale,
+                                   long securityFlags, BSTR authority, IWbemContext* context, IWbemServices** services)
+{
+    intptr_t failed = 0;
+    if (g_connectServer.Fires(failed)) {
+        *services = nullptr;
+        return static_cast<HRESULT>(failed);
+    }
+    const HRESULT result = OriginalMethod<decltype(&HookedConnectServer)>(g_connectServer)(
+        self, wmiNamespace, user, password, locale, securityFlags, authority, context, services);
+    if (SUCCEEDED(result) && *services != nullptr) {
+        ReplaceMethod(*services, kServicesTable, g_execQuery);
+    }
+    return result;
+}
+
+using CreateInstance = LUMAVEN_IMPORT("ole32.dll", CoCreateInstance);
+
+HRESULT WINAPI HookedCreateInstance(REFCLSID type, IUnknown* outer, DWORD context, REFIID interfaceId, void** object)
+{
+    intptr_t failed = 0;
+    if (CreateInstance::hook.Fires(failed)) {
+        *object = nullptr;
+        return static_cast<HRESULT>(failed);
+    }
+    const HRESULT result = Original<CreateInstance>()(type, outer, context, interfaceId, object);
+    if (SUCCEEDED(result) && IsEqualIID(interfaceId, IID_IWbemLocator)) {
+        ReplaceMethod(*object, kLocatorTable, g_connectServer);
+    }
+    return result;
+}
+
+// ---- The list -------------------------------------------------------------------------------
+
+std::vector<Hook*> MakeHooks()
+{
+    g_connectServer.replacement = reinterpret_cast<void*>(&HookedConnectServer);
+    g_execQuery.replacement = reinterpret_cast<void*>(&HookedExecQuery);
+    g_next.replacement = reinterpret_cast<void*>(&HookedNext);
+    g_get.replacement = reinterpret_cast<void*>(&HookedGet);
+    return {
+        LUMAVEN_GENERIC("ADVAPI32.dll", RegCloseKey),
+        LUMAVEN_GENERIC("ADVAPI32.dll", RegCreateKeyExW),
+        LUMAVEN_GENERIC("ADVAPI32.dll", RegOpenKeyExW),
+        LUMAVEN_GENERIC("ADVAPI32.dll", RegQueryValueExW),
+        LUMAVEN_GENERIC("ADVAPI32.dll", RegSetValueExW),
+        LUMAVEN_GENERIC("SETUPAPI.dll", SetupDiClassGuidsFromNameW),
+        LUMAVEN_GENERIC("SETUPAPI.dll", SetupDiDestroyDeviceInfoList),
+        LUMAVEN_GENERIC("SETUPAPI.dll", SetupDiEnumDeviceInfo),
+        LUMAVEN_GENERIC("SETUPAPI.dll", SetupDiGetClassDevsW),
+        LUMAVEN_GENERIC("SETUPAPI.dll", SetupDiOpenDevRegKey),
+        LUMAVEN_GENERIC("OLEAUT32.dll", SafeArrayAccessData),
+        LUMAVEN_GENERIC("OLEAUT32.dll", SafeArrayGetElement),
+        LUMAVEN_GENERIC("OLEAUT32.dll", SafeArrayUnaccessData),
+        LUMAVEN_GENERIC("OLEAUT32.dll", SysStringLen),
+        LUMAVEN_GENERIC("OLEAUT32.dll", VariantClear),
+        LUMAVEN_GENERIC("OLEAUT32.dll", VariantInit),
+        Bind(BstrAlloc::hook, &HookedBstrAlloc),
+        Bind(BstrFree::hook, &HookedBstrFree),
+        LUMAVEN_GENERIC("ole32.dll", CoInitializeEx),
+        LUMAVEN_GENERIC("ole32.dll", CoInitializeSecurity),
+        LUMAVEN_GENERIC("ole32.dll", CoSetProxyBlanket),
+        LUMAVEN_GENERIC("ole32.dll", CoUninitialize),
+        Bind(CreateInstance::hook, &HookedCreateInstance),
+        LUMAVEN_GENERIC("KERNEL32.dll", LoadLibraryExW),
+        LUMAVEN_GENERIC("KERNEL32.dll", LoadLibraryW),
+        LUMAVEN_GENERIC("KERNEL32.dll", GetProcAddress),
+        LUMAVEN_GENERIC("KERNEL32.dll", FreeLibrary),
+        LUMAVEN_GENERIC("KERNEL32.dll", Sleep),
+        Bind(Malloc::hook, &HookedMalloc),
+        Bind(Calloc::hook, &HookedCalloc),
+        Bind(Realloc::hook, &HookedRealloc),
+        Bind(Strdup::hook, &HookedStrdup),
+        Bind(Free::hook, &HookedFree),
+        &g_connectServer,
+        &g_execQuery,
+        &g_next,
+        &g_get,
+    };
+}
+
+bool SameName(const char* a, const char* b)
+{
+    return _stricmp(a, b) == 0;
+}
+
+}  // namespace
+
+const std::vector<Hook*>& AllHooks()
+{
+    static const std::vector<Hook*> hooks = MakeHooks();
+    return hooks;
+}
+
+Hook* FindHook(const std::string& function)
+{
+    for (Hook* hook : AllHooks()) {
+        if (function == hook->Function()) {
+            return hook;
+        }
+    }
+    return nullptr;
+}
+
+void DisarmAll()
+{
+    for (Hook* hook : AllHooks()) {
+        hook->Disarm();
+    }
+    FailNthAllocation(0);
+}
+
+void FailNthAllocation(int nth)
+{
+    Heap& heap = DllHeap();
+    const std::lock_guard guard(heap.lock);
+    heap.calls = 0;
+    heap.failAt = nth;
+}
+
+int AllocationCalls()
+{
+    Heap& heap = DllHeap();
+    const std::lock_guard guard(heap.lock);
+    return heap.calls;
+}
+
+size_t LiveBlocks()
+{
+    Heap& heap = DllHeap();
+    const std::lock_guard guard(heap.lock);
+    return heap.live.size();
+}
+
+PatchedImports::PatchedImports(HMODULE module)
+{
+    auto* const base = reinterpret_cast<BYTE*>(module);
+    const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+    const auto* nt = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + dos->e_lfanew);
+    const IMAGE_DATA_DIRECTORY& directory = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+    if (directory.VirtualAddress == 0) {
+        return;
+    }
+    for (auto* descriptor = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress);
+         descriptor->Name != 0; ++descriptor) {
+        const auto* library = reinterpret_cast<const char*>(base + descriptor->Name);
+        const auto* names = reinterpret_cast<const IMAGE_THUNK_DATA64*>(base + descriptor->OriginalFirstThunk);
+        auto* slots = reinterpret_cast<IMAGE_THUNK_DATA64*>(base + descriptor->FirstThunk);
+        for (; names->u1.AddressOfData != 0; ++names, ++slots) {
+            if (IMAGE_SNAP_BY_ORDINAL64(names->u1.Ordinal)) {
+                continue;
+            }
+            const auto* byName = reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData);
+            const auto* function = reinterpret_cast<const char*>(byName->Name);
+            for (Hook* hook : AllHooks()) {
+                if (!SameName(hook->Library(), library) || std::strcmp(hook->Function(), function) != 0) {
+                    continue;
+                }
+                void** const address = reinterpret_cast<void**>(&slots->u1.Function);
+                DWORD protection = 0;
+                VirtualProtect(address, sizeof(void*), PAGE_READWRITE, &protection);
+                m_slots.push_back({address, *address});
+                hook->original = *address;
+                *address = hook->replacement;
+                VirtualProtect(address, sizeof(void*), protection, &protection);
+                m_names.push_back(std::string(library) + "!" + function);
+            }
+        }
+    }
+}
+
+PatchedImports::~PatchedImports()
+{
+    for (const Slot& slot : m_slots) {
+        DWORD protection = 0;
+        VirtualProtect(slot.address, sizeof(void*), PAGE_READWRITE, &protection);
+        *slot.address = slot.original;
+        VirtualProtect(slot.address, sizeof(void*), protection, &protection);
+    }
+}
+
+}  // namespace LumavenOsFaults

@@ -1,0 +1,101 @@
+// Makes the functions that LumavenService.dll imports fail on demand, from the test process.
+// The DLL's import address table is pointed at replacements here, which fail the calls they
+// are told to fail, exactly as the real function reports that failure (its return value and
+// last error), and hand every other call to the real function. The service is unchanged and
+// cannot tell. The replacements also count calls, and the allocation functions keep the set
+// of blocks the DLL holds, so that a test can tell a leak.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace LumavenOsFaults {
+
+// Which calls of one import fail, counted from the moment it is armed.
+struct Failure {
+    int nth = 1;          // the first call that fails (1: the first call after arming)
+    bool every = false;   // and every call after it
+    intptr_t value = 0;   // what a failed call returns: a status, an HRESULT, 0 for a null handle
+    DWORD lastError = 0;  // set with SetLastError on a failed call when not 0
+};
+
+// One import of the DLL (or one method of a COM interface the DLL receives) that a test can
+// fail and whose calls it can count.
+class Hook {
+public:
+    Hook(const char* library, const char* function, bool canFail);
+    Hook(const Hook&) = delete;
+    Hook& operator=(const Hook&) = delete;
+
+    const char* Library() const { return m_library; }
+    const char* Function() const { return m_function; }
+    // Functions that return nothing cannot report a failure; they are only counted.
+    bool CanFail() const { return m_canFail; }
+
+    void Arm(const Failure& failure);
+    void Disarm();
+    // Calls since the last Arm, Disarm or ResetCounts, and how many of them failed.
+    int Calls() const { return m_calls; }
+    int Failed() const { return m_failed; }
+    void ResetCounts();
+
+    // For the replacements: counts the call and says whether it fails; when it does, the
+    // last error is set already and `value` holds the failed call's result.
+    bool Fires(intptr_t& value);
+
+    // The address the DLL called before it was patched; filled by PatchedImports.
+    void* original = nullptr;
+    void* replacement = nullptr;
+
+private:
+    const char* m_library;
+    const char* m_function;
+    bool m_canFail;
+    bool m_armed = false;
+    Failure m_failure;
+    int m_calls = 0;
+    int m_failed = 0;
+};
+
+// Every hook: the imports (patched into the DLL) first, then the COM methods.
+const std::vector<Hook*>& AllHooks();
+// The hook of an import or COM method by its name ("RegOpenKeyExW",
+// "IWbemServices::ExecQuery"); null when there is none.
+Hook* FindHook(const std::string& function);
+void DisarmAll();
+
+// The DLL's allocation functions as one sequence: malloc, calloc, realloc, _strdup and
+// SysAllocStringLen count towards it, and the nth of them fails (each as its own function
+// fails for want of memory). Disarmed with 0.
+void FailNthAllocation(int nth);
+// Allocation calls since the last FailNthAllocation.
+int AllocationCalls();
+// Blocks the DLL allocated through its imports (heap blocks and BSTRs) and has not freed.
+size_t LiveBlocks();
+
+// While alive, the DLL's import address table points at the hooks; the destructor restores
+// it. Imports without a hook are left as they are.
+class PatchedImports {
+public:
+    explicit PatchedImports(HMODULE module);
+    ~PatchedImports();
+    PatchedImports(const PatchedImports&) = delete;
+    PatchedImports& operator=(const PatchedImports&) = delete;
+
+    // "ADVAPI32.dll!RegOpenKeyExW" for each slot patched.
+    const std::vector<std::string>& Patched() const { return m_names; }
+
+private:
+    struct Slot {
+        void** address;
+        void* original;
+    };
+    std::vector<Slot> m_slots;
+    std::vector<std::string> m_names;
+};
+
+}  // namespace LumavenOsFaults

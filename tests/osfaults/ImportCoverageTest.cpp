@@ -172,6 +172,14 @@ const Unhooked kUnhooked[] = {
      {"_assert", "_vsnprintf", "fgetwc", "getc", "getenv", "isspace", "sprintf", "strstr", "strtoul"},
      "a Debug build's runtime: assert() and libstdc++'s checks, and the runtime's own start-up reading; none is "
      "called by the service's own code"},
+    {"ADVAPI32.dll",
+     {"CryptAcquireContextA", "CryptGenRandom", "CryptReleaseContext"},
+     "the stack protector's guard value (GCC's libssp, cmake/Hardening.cmake), drawn once as the DLL loads, "
+     "before any of the service's code runs; the service's own code calls none"},
+    {"msvcrt.dll",
+     {"_exit", "_open", "_write"},
+     "the stack protector's report of an overwritten guard (libssp): it writes the message and ends the "
+     "process, and is reached only when a stack buffer has been overrun"},
     {"XeltoLog.dll",
      {"_ZN10LogManager11SetProviderEPKc", "_ZN10LogManager9GetLoggerEv", "_ZN11TraceLogger10LogWarningE11LoggingDataz",
       "_ZN11TraceLogger7LogInfoEPKwz", "_ZN11TraceLogger8LogErrorE11LoggingDataz", "_ZN11TraceLogger8LogErrorEPKcz",

@@ -116,7 +116,7 @@ uint32_t LumavenService::ExecuteCommand(CallContext* context, uint32_t command, 
         return result;
     }
 
-    alignas(std::max_align_t) std::array<char, kResponsePoolBytes> pool;
+    alignas(std::max_align_t) std::array<char, kResponsePoolBytes> pool{};
     JsonAllocator responseAllocator(pool.data(), pool.size());
     Document response(&responseAllocator);
     response.SetObject();

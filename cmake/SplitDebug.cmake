@@ -10,8 +10,12 @@
 #
 # `keep` false: the binary is stripped and its debug information is not installed (the
 # simulated laptop's tools, whose debug information would triple the package's size).
+# objcopy writes a new PE header whose time stamp is the current time, or SOURCE_DATE_EPOCH
+# when set: 0 here, as the linkers leave it (Hardening.cmake), so that a stripped binary is the
+# same bytes whenever and wherever it is installed.
 function(lumaven_objcopy objcopy directory)
-  execute_process(COMMAND "${objcopy}" ${ARGN} WORKING_DIRECTORY "${directory}" RESULT_VARIABLE failed)
+  execute_process(COMMAND "${CMAKE_COMMAND}" -E env SOURCE_DATE_EPOCH=0 "${objcopy}" ${ARGN}
+                  WORKING_DIRECTORY "${directory}" RESULT_VARIABLE failed)
   if(failed)
     message(FATAL_ERROR "${objcopy} ${ARGN} failed in ${directory}")
   endif()

@@ -12,9 +12,9 @@ cd "$(dirname "$0")/.."
 scripts/setup.sh
 commit=$(git rev-parse --verify "${1:-HEAD}^{commit}")
 work=${LUMAVEN_REPRODUCE_DIR:-$PWD/build/reproduce}
-# The zip's entries are dated by the commit, the same for both builds.
-SOURCE_DATE_EPOCH=$(git log -1 --format=%ct "$commit")
-export SOURCE_DATE_EPOCH
+# The zip's entries are dated by the commit (a checkout made by git archive has no history to
+# ask). Only the package step is told: the builds themselves must not depend on any date.
+epoch=$(git log -1 --format=%ct "$commit")
 rm -rf "$work"
 mkdir -p "$work"
 for tree in first-checkout second-place; do
@@ -23,7 +23,7 @@ for tree in first-checkout second-place; do
   # Tests are not part of the release; the product, the host and the simulated laptop are.
   (cd "$work/$tree" && cmake --preset mingw -DLUMAVEN_BUILD_TESTS=OFF >/dev/null &&
     nice -n 10 cmake --build --preset mingw >"$work/$tree.build.log" &&
-    /usr/bin/python3 scripts/package.py build >"$work/$tree.package.log")
+    SOURCE_DATE_EPOCH=$epoch /usr/bin/python3 scripts/package.py build >"$work/$tree.package.log")
 done
 status=0
 for file in bin/LumavenService.dll bin/XeltoLog.dll bin/xelto-host.exe package/Lumaven-*-win64.zip; do

@@ -1,7 +1,8 @@
 // A DLL built on purpose without the hardening every shipped binary has (tests/release/
 // CMakeLists.txt strips its flags), so that the binary check shows it can fail each rule it
 // is expected to: no stack protection, no ASLR or high-entropy VA, no NX, a section both
-// writable and executable, no version resource and the build machine's path inside.
+// writable and executable, no version resource, the build machine's path inside and the
+// link's time in its header.
 #include <cstring>
 
 // Writable and executable at once: what a careless JIT buffer or a hand-made section gives.

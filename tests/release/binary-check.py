@@ -44,7 +44,7 @@ DEBUG_RUNTIMES = ("msvcrtd.dll", "msvcr120d.dll", "msvcp140d.dll", "vcruntime140
 MINGW_RUNTIME_DLLS = ("libgcc_s_seh-1.dll", "libstdc++-6.dll", "libwinpthread-1.dll", "libssp-0.dll")
 
 RULES = ("pe64", "dynamic-base", "high-entropy-va", "nx", "no-wx-section", "stack-protection", "cfg",
-         "version-resource", "no-build-path", "debug-name-only", "no-debug-runtime")
+         "version-resource", "no-build-path", "debug-name-only", "no-debug-runtime", "no-timestamp")
 
 
 def is_pe(path):
@@ -217,6 +217,9 @@ def check(path, cfg_on, forbidden):
     imports = [e.dll.decode().lower() for e in getattr(pe, "DIRECTORY_ENTRY_IMPORT", [])]
     bad = [dll for dll in imports if dll in DEBUG_RUNTIMES or dll in MINGW_RUNTIME_DLLS]
     results["no-debug-runtime"] = (not bad, " ".join(bad))
+    # A build's time in the header would make two builds of one commit differ.
+    stamp = pe.FILE_HEADER.TimeDateStamp
+    results["no-timestamp"] = (stamp == 0, "" if stamp == 0 else "0x%08x" % stamp)
     return results
 
 

@@ -1,7 +1,9 @@
-// The hooks cover the DLL's import list as the built file states it: every function that
-// LumavenService.dll imports either has a hook here (so that a test can fail it) or is named
-// below with the reason it has none. A new import without either fails this test.
+// The hooks and the OS fault table cover the DLL's import list as the built file states it:
+// every function that LumavenService.dll imports either has a hook (so that a test can fail
+// it) and a row of the table that fails it, or is named below with the reason it has neither.
+// A new import without a hook and a row fails this test.
 #include "ImportHooks.h"
+#include "OsFaultTable.h"
 #include "PeFile.h"
 #include "SimMachine.h"
 
@@ -11,6 +13,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string>
@@ -187,6 +190,33 @@ const Unhooked kUnhooked[] = {
      "the host's logging library: writing a record returns nothing and never throws"},
 };
 
+// Hooked imports that no row of the table fails, each with its reason.
+struct Unfailed {
+    std::set<std::string> functions;
+    const char* reason;
+};
+
+const Unfailed kUnfailed[] = {
+    {{"malloc", "calloc", "realloc", "_strdup"},
+     "the allocation functions: the out-of-memory loop fails each call of every entry point in turn"},
+    {{"free"}, "returns nothing; every row and every out-of-memory run counts the blocks it leaves"},
+    {{"Sleep"}, "returns nothing and cannot fail; the rows skip it, so that the display-on re-write does not wait"},
+    {{"SysStringLen"}, "answers a string's length and has no failure to report"},
+};
+
+bool HasRow(const std::string& function)
+{
+    const std::vector<LumavenOsFaults::OsFaultRow>& rows = LumavenOsFaults::OsFaultTable();
+    return std::any_of(rows.begin(), rows.end(),
+                       [&function](const LumavenOsFaults::OsFaultRow& row) { return function == row.function; });
+}
+
+bool HasReasonNotToFail(const std::string& function)
+{
+    return std::any_of(std::begin(kUnfailed), std::end(kUnfailed),
+                       [&function](const auto& group) { return group.functions.count(function) != 0; });
+}
+
 bool SameLibrary(const std::string& a, const char* b)
 {
     return _stricmp(a.c_str(), b) == 0;
@@ -212,6 +242,9 @@ TEST(ImportCoverage, EveryImportOfTheDllHasAHookOrAReason)
         const Hook* hook = FindHook(import.function);
         if (hook != nullptr && SameLibrary(import.library, hook->Library())) {
             ++hooked;
+            EXPECT_TRUE(HasRow(import.function) || HasReasonNotToFail(import.function))
+                << import.library << "!" << import.function
+                << ": a hooked import needs a row that fails it (tests/osfaults/OsFaultTable.cpp) or a reason here";
             continue;
         }
         EXPECT_NE(ReasonFor(import), nullptr) << import.library << "!" << import.function
@@ -219,6 +252,18 @@ TEST(ImportCoverage, EveryImportOfTheDllHasAHookOrAReason)
                                               << "or a reason here";
     }
     std::printf("[imports] %zu imported functions, %zu with a hook\n", imports.size(), hooked);
+}
+
+TEST(ImportCoverage, EveryRowOfTheTableFailsAHookedFunction)
+{
+    size_t rows = 0;
+    std::set<std::string> functions;
+    for (const LumavenOsFaults::OsFaultRow& row : LumavenOsFaults::OsFaultTable()) {
+        EXPECT_NE(FindHook(row.function), nullptr) << row.function << ": a row for a function without a hook";
+        ++rows;
+        functions.insert(row.function);
+    }
+    std::printf("[os-fault-table] %zu rows over %zu functions\n", rows, functions.size());
 }
 
 TEST(ImportCoverage, EveryHookOfAnImportIsPatchedIntoTheLoadedDll)

@@ -4,6 +4,7 @@
 #include <setupapi.h>
 #include <wbemcli.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -22,7 +23,7 @@ Hook::Hook(const char* library, const char* function, bool canFail)
 void Hook::Arm(const Failure& failure)
 {
     m_failure = failure;
-    m_armed = m_canFail;
+    m_armed = true;
     ResetCounts();
 }
 
@@ -119,7 +120,9 @@ auto PlainSignature(R (*)(A...)) -> R (*)(A...);
 
 struct Heap {
     std::mutex lock;
-    std::set<void*> live;
+    // Each live block with the number of the allocation that made it and its size.
+    std::map<void*, std::pair<uint64_t, size_t>> live;
+    uint64_t made = 0;
     int calls = 0;
     int failAt = 0;
 };
@@ -138,12 +141,12 @@ bool SequenceFails()
     return ++heap.calls == heap.failAt;
 }
 
-void* Tracked(void* block)
+void* Tracked(void* block, size_t size)
 {
     if (block != nullptr) {
         Heap& heap = DllHeap();
         const std::lock_guard guard(heap.lock);
-        heap.live.insert(block);
+        heap.live[block] = {++heap.made, size};
     }
     return block;
 }
@@ -184,7 +187,7 @@ void* HookedMalloc(size_t size)
         errno = ENOMEM;
         return nullptr;
     }
-    return Tracked(Original<Malloc>()(size));
+    return Tracked(Original<Malloc>()(size), size);
 }
 
 void* HookedCalloc(size_t count, size_t size)
@@ -193,7 +196,7 @@ void* HookedCalloc(size_t count, size_t size)
         errno = ENOMEM;
         return nullptr;
     }
-    return Tracked(Original<Calloc>()(count, size));
+    return Tracked(Original<Calloc>()(count, size), count * size);
 }
 
 // A failed realloc leaves the block where it was, with its owner.
@@ -207,7 +210,7 @@ void* HookedRealloc(void* block, size_t size)
     if (moved != nullptr || size == 0) {
         Untracked(block);
     }
-    return Tracked(moved);
+    return Tracked(moved, size);
 }
 
 char* HookedStrdup(const char* text)
@@ -216,7 +219,7 @@ char* HookedStrdup(const char* text)
         errno = ENOMEM;
         return nullptr;
     }
-    return static_cast<char*>(Tracked(Original<Strdup>()(text)));
+    return static_cast<char*>(Tracked(Original<Strdup>()(text), std::strlen(text) + 1));
 }
 
 void HookedFree(void* block)
@@ -232,7 +235,7 @@ BSTR WINAPI HookedBstrAlloc(const OLECHAR* text, UINT length)
     if (AllocationFails<BstrAlloc>()) {
         return nullptr;
     }
-    return static_cast<BSTR>(Tracked(Original<BstrAlloc>()(text, length)));
+    return static_cast<BSTR>(Tracked(Original<BstrAlloc>()(text, length), length * sizeof(OLECHAR)));
 }
 
 void WINAPI HookedBstrFree(BSTR text)
@@ -241,6 +244,167 @@ void WINAPI HookedBstrFree(BSTR text)
     BstrFree::hook.Fires(ignored);
     Untracked(text);
     Original<BstrFree>()(text);
+}
+
+// ---- Handles ------------------------------------------------------------------------------------
+//
+// Each replacement below lets the generic one fail or forward the call, and then notes the
+// handle a successful call handed out or the one given back.
+
+enum class HandleKind { Key, DeviceSet, Library };
+
+struct Handles {
+    std::mutex lock;
+    std::multimap<std::pair<HandleKind, void*>, std::string> held;
+};
+
+Handles& DllHandles()
+{
+    static Handles handles;
+    return handles;
+}
+
+void Take(HandleKind kind, void* handle, std::string name = {})
+{
+    Handles& handles = DllHandles();
+    const std::lock_guard guard(handles.lock);
+    handles.held.emplace(std::make_pair(kind, handle), std::move(name));
+}
+
+void GiveBack(HandleKind kind, void* handle)
+{
+    Handles& handles = DllHandles();
+    const std::lock_guard guard(handles.lock);
+    const auto found = handles.held.find(std::make_pair(kind, handle));
+    if (found != handles.held.end()) {
+        handles.held.erase(found);
+    }
+}
+
+std::string FileNameOf(HMODULE module)
+{
+    char path[MAX_PATH] = {};
+    GetModuleFileNameA(module, path, MAX_PATH);
+    const char* const slash = std::strrchr(path, '\\');
+    return slash != nullptr ? slash + 1 : path;
+}
+
+using OpenKey = LUMAVEN_IMPORT("ADVAPI32.dll", RegOpenKeyExW);
+using CreateKey = LUMAVEN_IMPORT("ADVAPI32.dll", RegCreateKeyExW);
+using CloseKey = LUMAVEN_IMPORT("ADVAPI32.dll", RegCloseKey);
+using OpenDeviceKey = LUMAVEN_IMPORT("SETUPAPI.dll", SetupDiOpenDevRegKey);
+using GetClassDevices = LUMAVEN_IMPORT("SETUPAPI.dll", SetupDiGetClassDevsW);
+using DestroyDeviceList = LUMAVEN_IMPORT("SETUPAPI.dll", SetupDiDestroyDeviceInfoList);
+using LoadLibraryEx = LUMAVEN_IMPORT("KERNEL32.dll", LoadLibraryExW);
+using LoadLibraryPlain = LUMAVEN_IMPORT("KERNEL32.dll", LoadLibraryW);
+using FreeLibraryImport = LUMAVEN_IMPORT("KERNEL32.dll", FreeLibrary);
+using ClassGuids = LUMAVEN_IMPORT("SETUPAPI.dll", SetupDiClassGuidsFromNameW);
+
+LSTATUS WINAPI HookedOpenKey(HKEY parent, LPCWSTR name, DWORD options, REGSAM access, PHKEY key)
+{
+    const LSTATUS status = OpenKey::Call(parent, name, options, access, key);
+    if (status == ERROR_SUCCESS) {
+        Take(HandleKind::Key, *key);
+    }
+    return status;
+}
+
+LSTATUS WINAPI HookedCreateKey(HKEY parent, LPCWSTR name, DWORD reserved, LPWSTR type, DWORD options, REGSAM access,
+                               const LPSECURITY_ATTRIBUTES security, PHKEY key, LPDWORD disposition)
+{
+    const LSTATUS status = CreateKey::Call(parent, name, reserved, type, options, access, security, key, disposition);
+    if (status == ERROR_SUCCESS) {
+        Take(HandleKind::Key, *key);
+    }
+    return status;
+}
+
+LSTATUS WINAPI HookedCloseKey(HKEY key)
+{
+    GiveBack(HandleKind::Key, key);
+    return CloseKey::Call(key);
+}
+
+HKEY WINAPI HookedOpenDeviceKey(HDEVINFO set, PSP_DEVINFO_DATA device, DWORD scope, DWORD profile, DWORD type,
+                                REGSAM access)
+{
+    const HKEY key = OpenDeviceKey::Call(set, device, scope, profile, type, access);
+    if (key != nullptr && key != INVALID_HANDLE_VALUE) {
+        Take(HandleKind::Key, key);
+    }
+    return key;
+}
+
+HDEVINFO WINAPI HookedGetClassDevices(const GUID* type, PCWSTR enumerator, HWND parent, DWORD flags)
+{
+    const HDEVINFO set = GetClassDevices::Call(type, enumerator, parent, flags);
+    if (set != nullptr && set != INVALID_HANDLE_VALUE) {
+        Take(HandleKind::DeviceSet, set);
+    }
+    return set;
+}
+
+BOOL WINAPI HookedDestroyDeviceList(HDEVINFO set)
+{
+    GiveBack(HandleKind::DeviceSet, set);
+    return DestroyDeviceList::Call(set);
+}
+
+HMODULE WINAPI HookedLoadLibraryEx(LPCWSTR name, HANDLE file, DWORD flags)
+{
+    const HMODULE module = LoadLibraryEx::Call(name, file, flags);
+    if (module != nullptr) {
+        Take(HandleKind::Library, module, FileNameOf(module));
+    }
+    return module;
+}
+
+HMODULE WINAPI HookedLoadLibrary(LPCWSTR name)
+{
+    const HMODULE module = LoadLibraryPlain::Call(name);
+    if (module != nullptr) {
+        Take(HandleKind::Library, module, FileNameOf(module));
+    }
+    return module;
+}
+
+BOOL WINAPI HookedFreeLibrary(HMODULE module)
+{
+    GiveBack(HandleKind::Library, module);
+    return FreeLibraryImport::Call(module);
+}
+
+// ---- Hostile answers -----------------------------------------------------------------------------
+
+struct Answers {
+    bool arrays = false;
+    DWORD classGuidCount = 0;
+};
+
+Answers& Answer()
+{
+    static Answers answers;
+    return answers;
+}
+
+// With a count to report, the list is filled as far as it holds real GUIDs, and the call
+// succeeds only when the list has room for the whole count, as SetupAPI answers a list that
+// is too small.
+BOOL WINAPI HookedClassGuids(PCWSTR name, LPGUID list, DWORD size, PDWORD required)
+{
+    const BOOL answered = ClassGuids::Call(name, list, size, required);
+    const DWORD count = Answer().classGuidCount;
+    if (count == 0 || (!answered && GetLastError() != ERROR_INSUFFICIENT_BUFFER)) {
+        return answered;
+    }
+    if (required != nullptr) {
+        *required = count;
+    }
+    if (size < count) {
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return FALSE;
+    }
+    return TRUE;
 }
 
 // ---- COM methods ------------------------------------------------------------------------------
@@ -297,7 +461,18 @@ HRESULT WINAPI HookedGet(IWbemClassObject* self, LPCWSTR name, long flags, VARIA
     if (g_get.Fires(failed)) {
         return static_cast<HRESULT>(failed);
     }
-    return OriginalMethod<decltype(&HookedGet)>(g_get)(self, name, flags, value, type, flavor);
+    const HRESULT result = OriginalMethod<decltype(&HookedGet)>(g_get)(self, name, flags, value, type, flavor);
+    if (SUCCEEDED(result) && Answer().arrays && value != nullptr && value->vt == VT_BSTR) {
+        // Made and filled by the test process itself, not through the DLL's imports; the DLL
+        // frees it when it clears the variant.
+        SAFEARRAY* const array = SafeArrayCreateVector(VT_BSTR, 0, 1);
+        LONG first = 0;
+        SafeArrayPutElement(array, &first, value->bstrVal);
+        VariantClear(value);
+        value->vt = VT_ARRAY | VT_BSTR;
+        value->parray = array;
+    }
+    return result;
 }
 
 HRESULT WINAPI HookedNext(IEnumWbemClassObject* self, long timeout, ULONG count, IWbemClassObject** objects,
@@ -374,16 +549,16 @@ std::vector<Hook*> MakeHooks()
     g_next.replacement = reinterpret_cast<void*>(&HookedNext);
     g_get.replacement = reinterpret_cast<void*>(&HookedGet);
     return {
-        LUMAVEN_GENERIC("ADVAPI32.dll", RegCloseKey),
-        LUMAVEN_GENERIC("ADVAPI32.dll", RegCreateKeyExW),
-        LUMAVEN_GENERIC("ADVAPI32.dll", RegOpenKeyExW),
+        Bind(CloseKey::hook, &HookedCloseKey),
+        Bind(CreateKey::hook, &HookedCreateKey),
+        Bind(OpenKey::hook, &HookedOpenKey),
         LUMAVEN_GENERIC("ADVAPI32.dll", RegQueryValueExW),
         LUMAVEN_GENERIC("ADVAPI32.dll", RegSetValueExW),
-        LUMAVEN_GENERIC("SETUPAPI.dll", SetupDiClassGuidsFromNameW),
-        LUMAVEN_GENERIC("SETUPAPI.dll", SetupDiDestroyDeviceInfoList),
+        Bind(ClassGuids::hook, &HookedClassGuids),
+        Bind(DestroyDeviceList::hook, &HookedDestroyDeviceList),
         LUMAVEN_GENERIC("SETUPAPI.dll", SetupDiEnumDeviceInfo),
-        LUMAVEN_GENERIC("SETUPAPI.dll", SetupDiGetClassDevsW),
-        LUMAVEN_GENERIC("SETUPAPI.dll", SetupDiOpenDevRegKey),
+        Bind(GetClassDevices::hook, &HookedGetClassDevices),
+        Bind(OpenDeviceKey::hook, &HookedOpenDeviceKey),
         LUMAVEN_GENERIC("OLEAUT32.dll", SafeArrayAccessData),
         LUMAVEN_GENERIC("OLEAUT32.dll", SafeArrayGetElement),
         LUMAVEN_GENERIC("OLEAUT32.dll", SafeArrayUnaccessData),
@@ -397,10 +572,10 @@ std::vector<Hook*> MakeHooks()
         LUMAVEN_GENERIC("ole32.dll", CoSetProxyBlanket),
         LUMAVEN_GENERIC("ole32.dll", CoUninitialize),
         Bind(CreateInstance::hook, &HookedCreateInstance),
-        LUMAVEN_GENERIC("KERNEL32.dll", LoadLibraryExW),
-        LUMAVEN_GENERIC("KERNEL32.dll", LoadLibraryW),
+        Bind(LoadLibraryEx::hook, &HookedLoadLibraryEx),
+        Bind(LoadLibraryPlain::hook, &HookedLoadLibrary),
         LUMAVEN_GENERIC("KERNEL32.dll", GetProcAddress),
-        LUMAVEN_GENERIC("KERNEL32.dll", FreeLibrary),
+        Bind(FreeLibraryImport::hook, &HookedFreeLibrary),
         LUMAVEN_GENERIC("KERNEL32.dll", Sleep),
         Bind(Malloc::hook, &HookedMalloc),
         Bind(Calloc::hook, &HookedCalloc),
@@ -443,6 +618,40 @@ void DisarmAll()
         hook->Disarm();
     }
     FailNthAllocation(0);
+    AnswerStringPropertiesAsArrays(false);
+    AnswerClassGuidCount(0);
+}
+
+void AnswerStringPropertiesAsArrays(bool on)
+{
+    Answer().arrays = on;
+}
+
+void AnswerClassGuidCount(DWORD count)
+{
+    Answer().classGuidCount = count;
+}
+
+HeldHandles Held()
+{
+    Handles& handles = DllHandles();
+    const std::lock_guard guard(handles.lock);
+    HeldHandles held;
+    for (const auto& [key, name] : handles.held) {
+        switch (key.first) {
+        case HandleKind::Key: ++held.keys; break;
+        case HandleKind::DeviceSet: ++held.deviceSets; break;
+        case HandleKind::Library: held.libraries.push_back(name); break;
+        }
+    }
+    return held;
+}
+
+void ForgetHeld()
+{
+    Handles& handles = DllHandles();
+    const std::lock_guard guard(handles.lock);
+    handles.held.clear();
 }
 
 void FailNthAllocation(int nth)
@@ -465,6 +674,26 @@ size_t LiveBlocks()
     Heap& heap = DllHeap();
     const std::lock_guard guard(heap.lock);
     return heap.live.size();
+}
+
+uint64_t AllocationMark()
+{
+    Heap& heap = DllHeap();
+    const std::lock_guard guard(heap.lock);
+    return heap.made;
+}
+
+std::vector<size_t> LiveBlocksSince(uint64_t mark)
+{
+    Heap& heap = DllHeap();
+    const std::lock_guard guard(heap.lock);
+    std::vector<size_t> sizes;
+    for (const auto& [block, made] : heap.live) {
+        if (made.first > mark) {
+            sizes.push_back(made.second);
+        }
+    }
+    return sizes;
 }
 
 PatchedImports::PatchedImports(HMODULE module)

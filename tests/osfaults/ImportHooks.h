@@ -2,8 +2,9 @@
 // The DLL's import address table is pointed at replacements here, which fail the calls they
 // are told to fail, exactly as the real function reports that failure (its return value and
 // last error), and hand every other call to the real function. The service is unchanged and
-// cannot tell. The replacements also count calls, and the allocation functions keep the set
-// of blocks the DLL holds, so that a test can tell a leak.
+// cannot tell. The replacements also count calls, the allocation functions keep the set of
+// blocks the DLL holds, and the functions that hand out or give back a handle keep the
+// handles the DLL holds, so that a test can tell a leak.
 #pragma once
 
 #include <windows.h>
@@ -33,7 +34,8 @@ public:
 
     const char* Library() const { return m_library; }
     const char* Function() const { return m_function; }
-    // Functions that return nothing cannot report a failure; they are only counted.
+    // Functions that return nothing cannot report a failure: armed, such a call is skipped
+    // (Sleep returns at once), which is no failure of the function.
     bool CanFail() const { return m_canFail; }
 
     void Arm(const Failure& failure);
@@ -76,6 +78,31 @@ void FailNthAllocation(int nth);
 int AllocationCalls();
 // Blocks the DLL allocated through its imports (heap blocks and BSTRs) and has not freed.
 size_t LiveBlocks();
+// The allocations made so far, and the sizes of the blocks allocated after such a mark that
+// are still live.
+uint64_t AllocationMark();
+std::vector<size_t> LiveBlocksSince(uint64_t mark);
+
+// Handles the DLL took through its imports and has not given back, by kind: registry keys
+// (opened, created, or a device's key), device information sets, and references to
+// libraries (by file name, one entry per reference).
+struct HeldHandles {
+    size_t keys = 0;
+    size_t deviceSets = 0;
+    std::vector<std::string> libraries;
+};
+HeldHandles Held();
+// Forgets every handle counted so far (handles taken before a test are not its own).
+void ForgetHeld();
+
+// Hostile but legal answers of a working system, for the paths that only such answers reach.
+// Each stays in force until changed; DisarmAll resets both.
+// - IWbemClassObject::Get hands a string property back as an array of that one string, as a
+//   provider may for an array-valued property.
+void AnswerStringPropertiesAsArrays(bool on);
+// - SetupDiClassGuidsFromNameW reports this many GUIDs for every class name (0: the truth),
+//   filling what the caller's list holds with the real ones.
+void AnswerClassGuidCount(DWORD count);
 
 // While alive, the DLL's import address table points at the hooks; the destructor restores
 // it. Imports without a hook are left as they are.
@@ -84,6 +111,9 @@ public:
     explicit PatchedImports(HMODULE module);
     ~PatchedImports();
     PatchedImports(const PatchedImports&) = delete;
+    // For a module that is about to be unloaded: its table goes with it and is not restored,
+    // so that what it does while it unloads still goes through the hooks.
+    void LeaveForUnload() { m_slots.clear(); }
     PatchedImports& operator=(const PatchedImports&) = delete;
 
     // "ADVAPI32.dll!RegOpenKeyExW" for each slot patched.

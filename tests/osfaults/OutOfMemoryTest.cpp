@@ -6,67 +6,57 @@
 // where an exception may leave), never in a crash, std::terminate or a hang; must leave no
 // block of the DLL behind; and the same entry point must answer as before once memory is
 // there again.
+#include "EntryRun.h"
 #include "HostedService.h"
 #include "ImportHooks.h"
-#include "LogCapture.h"
-#include "PowerSettings.h"
-#include "ServiceCall.h"
 #include "SimMachine.h"
 
 #include <gtest/gtest.h>
 
 #include <windows.h>
 
-#include <comdef.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <memory>
-#include <new>
 #include <set>
 #include <string>
-#include <system_error>
 #include <tuple>
 #include <vector>
 
 namespace {
 
 using namespace LumavenOsFaults;
-using LumavenTest::CallResult;
 using LumavenTest::HostedService;
-using LumavenTest::LogCapture;
 
 constexpr uint32_t kStatusException = 0x20000006;
 constexpr wchar_t kBadAlloc[] = L"std::bad_alloc";
 constexpr wchar_t kQualified[] = L"Xelto::Spanlet::Server::Services::Lumaven::LumavenService::";
 
-enum class Kind { Factory, Startup, Command, Event };
-
 struct EntryPoint {
     const char* name;
-    Kind kind;
+    Entry kind;
     uint32_t command = 0;
     const wchar_t* request = L"{}";
 };
 
 const EntryPoint kEntryPoints[] = {
-    {"factory", Kind::Factory},
-    {"startup", Kind::Startup},
-    {"cmd1", Kind::Command, 1},
-    {"cmd2", Kind::Command, 2},
-    {"cmd3", Kind::Command, 3},
-    {"cmd4", Kind::Command, 4},
-    {"cmd5", Kind::Command, 5},
-    {"cmd6", Kind::Command, 6},
-    {"cmd7", Kind::Command, 7},
-    {"cmd8", Kind::Command, 8},
-    {"cmd9", Kind::Command, 9, L"{\"BValue\":true}"},
-    {"cmd10", Kind::Command, 10},
-    {"cmd11", Kind::Command, 11},
-    {"cmd12", Kind::Command, 12},
-    {"cmd13", Kind::Command, 13},
-    {"cmd14", Kind::Command, 14, L"{\"BValue\":true}"},
-    {"event", Kind::Event},
+    {"factory", Entry::Factory},
+    {"startup", Entry::Startup},
+    {"cmd1", Entry::Command, 1},
+    {"cmd2", Entry::Command, 2},
+    {"cmd3", Entry::Command, 3},
+    {"cmd4", Entry::Command, 4},
+    {"cmd5", Entry::Command, 5},
+    {"cmd6", Entry::Command, 6},
+    {"cmd7", Entry::Command, 7},
+    {"cmd8", Entry::Command, 8},
+    {"cmd9", Entry::Command, 9, L"{\"BValue\":true}"},
+    {"cmd10", Entry::Command, 10},
+    {"cmd11", Entry::Command, 11},
+    {"cmd12", Entry::Command, 12},
+    {"cmd13", Entry::Command, 13},
+    {"cmd14", Entry::Command, 14, L"{\"BValue\":true}"},
+    {"event", Entry::Event},
 };
 
 // A handler's catch line: the first form prints the handler's qualified name, the second the
@@ -129,35 +119,17 @@ bool OwnGuardReachable(uint32_t command, bool amd)
     return !amd || !(command <= 3 || command == 5 || command == 6 || command == 8);
 }
 
-bool IsCatchLine(const std::wstring& text)
+// The handlers' catch lines among an entry point's log lines, without their level.
+std::vector<std::wstring> CatchLines(const Outcome& outcome)
 {
-    return text.rfind(L"LumavenService - ", 0) == 0 && text.find(L" threw: ") != std::wstring::npos;
-}
-
-// What one run of an entry point gave back.
-struct Outcome {
-    bool created = true;   // factory: a service came back
-    bool returned = true;  // false: an exception left the entry point
-    std::string thrown;    // its type, when one did
-    CallResult call;       // commands
-    std::vector<std::wstring> catchLines;
-
-    std::string Describe() const
-    {
-        if (!returned) {
-            return "threw " + thrown;
+    std::vector<std::wstring> lines;
+    for (const std::wstring& line : outcome.logs) {
+        if (line.rfind(L"E:LumavenService - ", 0) == 0 && line.find(L" threw: ") != std::wstring::npos) {
+            lines.push_back(line.substr(2));
         }
-        char text[64];
-        std::snprintf(text, sizeof text, "status 0x%X", call.status);
-        std::string described = text;
-        if (call.hasResponse) {
-            described += " " + std::string(call.response.begin(), call.response.end());
-        } else {
-            described += " (no text)";
-        }
-        return described;
     }
-};
+    return lines;
+}
 
 class OutOfMemory : public ::testing::TestWithParam<std::tuple<const char*, EntryPoint>> {
 protected:
@@ -187,57 +159,15 @@ protected:
     }
 
     // Runs the entry point once on `hosted` (made fresh for the factory and the start-up).
-    Outcome Run(const EntryPoint& entry, std::unique_ptr<HostedService>& hosted)
+    static Outcome Run(const EntryPoint& entry, std::unique_ptr<HostedService>& hosted)
     {
-        Outcome outcome;
-        LogCapture capture;
-        try {
-            switch (entry.kind) {
-            case Kind::Factory:
-                hosted = std::make_unique<HostedService>(false);
-                outcome.created = hosted->Created();
-                break;
-            case Kind::Startup: hosted->Service().startup_task(); break;
-            case Kind::Command: outcome.call = hosted->Run(entry.command, entry.request); break;
-            case Kind::Event:
-                hosted->Deliver(LumavenTest::kConsoleDisplayState, 0);
-                hosted->Deliver(LumavenTest::kConsoleDisplayState, 1);
-                break;
-            }
-        } catch (const std::bad_alloc&) {
-            outcome.returned = false;
-            outcome.thrown = "std::bad_alloc";
-        } catch (const std::system_error& error) {
-            outcome.returned = false;
-            // Compared by name: the DLL carries its own copy of the runtime and so its own
-            // category objects.
-            const bool noMemory = std::string(error.code().category().name()) == "generic" &&
-                                  error.code().value() == static_cast<int>(std::errc::not_enough_memory);
-            outcome.thrown = noMemory ? "std::system_error(ENOMEM)"
-                                      : "std::system_error(" + std::string(error.code().category().name()) + " " +
-                                            std::to_string(error.code().value()) + ")";
-        } catch (const _com_error& error) {
-            outcome.returned = false;
-            outcome.thrown = error.Error() == E_OUTOFMEMORY ? "_com_error(E_OUTOFMEMORY)" : "_com_error(other)";
-        } catch (const std::exception& error) {
-            outcome.returned = false;
-            outcome.thrown = error.what();
-        }
-        for (const std::wstring& text : capture.Texts()) {
-            if (IsCatchLine(text)) {
-                outcome.catchLines.push_back(text);
-            }
-        }
-        return outcome;
+        return RunEntry(entry.kind, entry.command, entry.request, hosted);
     }
 
-    std::unique_ptr<HostedService> Prepared(const EntryPoint& entry)
+    static std::unique_ptr<HostedService> Prepared(const EntryPoint& entry)
     {
-        if (entry.kind == Kind::Factory) {
-            return nullptr;
-        }
-        auto hosted = std::make_unique<HostedService>(entry.kind != Kind::Startup);
-        if (entry.kind == Kind::Event) {
+        std::unique_ptr<HostedService> hosted = LumavenOsFaults::Prepared(entry.kind);
+        if (entry.kind == Entry::Event) {
             // The event re-writes the panel only while power saving is stored on.
             EXPECT_EQ(hosted->Run(9, L"{\"BValue\":true}").status, 0u);
         }
@@ -257,11 +187,11 @@ protected:
 std::set<std::wstring> AllowedCatchLines(const EntryPoint& entry, bool amd)
 {
     std::set<std::wstring> allowed;
-    if (entry.kind == Kind::Startup) {
+    if (entry.kind == Entry::Startup) {
         // Vendor detection catches its own errors and goes on with vendor 0.
         allowed.insert(MessageCatch(L"CheckVideoControllerType"));
     }
-    if (entry.kind == Kind::Event) {
+    if (entry.kind == Entry::Event) {
         // The event task's own guard, the stored-setting read's and the Intel re-write's; the
         // message is std::bad_alloc's, or a mutex's std::system_error.
         for (const wchar_t* message : {kBadAlloc, L"Cannot allocate memory"}) {
@@ -270,7 +200,7 @@ std::set<std::wstring> AllowedCatchLines(const EntryPoint& entry, bool amd)
             }
         }
     }
-    if (entry.kind != Kind::Command) {
+    if (entry.kind != Entry::Command) {
         return allowed;
     }
     allowed.insert(OwnCatchLine(entry.command, amd));
@@ -288,7 +218,7 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
     const EntryPoint& entry = Entry();
     {
         const std::set<std::wstring> allowedCatches = AllowedCatchLines(entry, m_amd);
-        const std::wstring ownCatch = entry.kind == Kind::Command ? OwnCatchLine(entry.command, m_amd) : L"";
+        const std::wstring ownCatch = entry.kind == Entry::Command ? OwnCatchLine(entry.command, m_amd) : L"";
 
         // Twice without a fault: the answer every later run must give again, and the blocks the
         // DLL holds once it has settled.
@@ -297,7 +227,7 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
         const Outcome baseline = Run(entry, hosted);
         ASSERT_TRUE(baseline.returned) << baseline.Describe();
         ASSERT_TRUE(baseline.created);
-        ASSERT_TRUE(baseline.catchLines.empty());
+        ASSERT_TRUE(CatchLines(baseline).empty());
         hosted.reset();
         const size_t settled = LiveBlocks();
 
@@ -313,7 +243,7 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
 
             // Where the failure may show, and how.
             if (!failed.returned) {
-                if (entry.kind == Kind::Startup) {
+                if (entry.kind == Entry::Startup) {
                     // Building the AUX table and the WMI query's COM strings let their failures out.
                     EXPECT_TRUE(failed.thrown == "std::bad_alloc" || failed.thrown == "_com_error(E_OUTOFMEMORY)")
                         << failed.Describe();
@@ -322,30 +252,30 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
                     // out of the dispatcher or the event task; besides that, only the dispatcher's
                     // own parse and write steps let an exception (std::bad_alloc) out.
                     EXPECT_TRUE(failed.thrown == "std::system_error(ENOMEM)" ||
-                                (entry.kind == Kind::Command && failed.thrown == "std::bad_alloc"))
+                                (entry.kind == Entry::Command && failed.thrown == "std::bad_alloc"))
                         << failed.Describe();
-                    EXPECT_TRUE(failed.catchLines.empty()) << "a handler caught it and it still left";
+                    EXPECT_TRUE(CatchLines(failed).empty()) << "a handler caught it and it still left";
                 }
-            } else if (entry.kind == Kind::Command) {
+            } else if (entry.kind == Entry::Command) {
                 if (failed.call.status == kStatusException) {
-                    EXPECT_FALSE(failed.catchLines.empty()) << "StatusException without a catch line";
+                    EXPECT_FALSE(CatchLines(failed).empty()) << "StatusException without a catch line";
                 }
                 const std::set<uint32_t> defined = {0, 0x20000002, 0x20000005, kStatusException};
                 EXPECT_TRUE(defined.count(failed.call.status)) << failed.Describe();
             }
-            for (const std::wstring& line : failed.catchLines) {
+            for (const std::wstring& line : CatchLines(failed)) {
                 EXPECT_TRUE(allowedCatches.count(line))
                     << "unexpected catch line: " << std::string(line.begin(), line.end());
                 ownCatchSeen = ownCatchSeen || line == ownCatch;
             }
 
             // Memory again: the same entry point answers as before, on the same service.
-            if (entry.kind == Kind::Factory || entry.kind == Kind::Startup) {
+            if (entry.kind == Entry::Factory || entry.kind == Entry::Startup) {
                 hosted = Prepared(entry);
             }
             const Outcome again = Run(entry, hosted);
             EXPECT_EQ(again.Describe(), baseline.Describe());
-            EXPECT_TRUE(again.catchLines.empty());
+            EXPECT_TRUE(CatchLines(again).empty());
             hosted.reset();
             // Fewer is no leak: a run may end a block the runtime kept (a cache, a per-thread
             // record) that the settled figure still counted.
@@ -360,7 +290,7 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
             ++points;
         }
         EXPECT_GT(points, 0) << "no allocation was failed";
-        if (entry.kind == Kind::Command) {
+        if (entry.kind == Entry::Command) {
             EXPECT_EQ(ownCatchSeen, OwnGuardReachable(entry.command, m_amd))
                 << "the handler's own guard: " << std::string(ownCatch.begin(), ownCatch.end());
         }

@@ -1,0 +1,45 @@
+// Runs one entry point of the service the way a host does and keeps everything that came
+// back: the service made or not, an exception that left, the command's status and text, and
+// the lines the service logged meanwhile.
+#pragma once
+
+#include "HostedService.h"
+#include "ServiceCall.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace LumavenOsFaults {
+
+enum class Entry {
+    Factory,  // XeltoCreateService
+    Startup,  // startup_task on a service just made
+    Command,  // ExecuteCommand on a started service
+    Event,    // oled_power_event_task: the display off, then on again
+};
+
+struct Outcome {
+    bool created = true;   // the factory: a service came back
+    bool returned = true;  // false: an exception left the entry point
+    std::string thrown;    // its type, when one did
+    LumavenTest::CallResult call;
+    // "I:", "W:" or "E:" and the rendered text, in order.
+    std::vector<std::wstring> logs;
+
+    // Status and text for a command, the exception for anything that threw.
+    std::string Describe() const;
+};
+
+// A service ready for the entry point: none for the factory (it makes its own), a service not
+// yet started for the start-up task, a started one otherwise.
+std::unique_ptr<LumavenTest::HostedService> Prepared(Entry entry);
+
+// Runs it once on `hosted`, which the factory replaces with the service it made.
+Outcome RunEntry(Entry entry, uint32_t command, const wchar_t* request,
+                 std::unique_ptr<LumavenTest::HostedService>& hosted);
+
+std::string Narrow(const std::wstring& text);
+
+}  // namespace LumavenOsFaults

@@ -134,6 +134,27 @@ std::optional<int64_t> TakeFault(rapidjson::Document& state, const char* functio
     return std::nullopt;
 }
 
+std::optional<int64_t> CountAnswer(const rapidjson::Document& state, const char* function, const char* call)
+{
+    if (!state.HasMember("counts") || !state["counts"].IsArray()) {
+        return std::nullopt;
+    }
+    const int64_t calls = CallCount(state, function);
+    for (const auto& entry : state["counts"].GetArray()) {
+        if (!entry.IsObject() || !entry.HasMember("function") || !entry["function"].IsString() ||
+            std::string(entry["function"].GetString()) != function || !entry.HasMember("call") ||
+            !entry["call"].IsString() || std::string(entry["call"].GetString()) != call || !entry.HasMember("answer") ||
+            !entry["answer"].IsInt64()) {
+            continue;
+        }
+        const int64_t nth = entry.HasMember("nth") && entry["nth"].IsInt64() ? entry["nth"].GetInt64() : 0;
+        if (nth == 0 || nth == calls) {
+            return entry["answer"].GetInt64();
+        }
+    }
+    return std::nullopt;
+}
+
 int64_t CallCount(const rapidjson::Document& state, const char* function)
 {
     if (!state.HasMember("calls") || !state["calls"].IsObject()) {

@@ -67,6 +67,33 @@ rapidjson::Value& CallCounters(rapidjson::Document& state)
     return state["calls"];
 }
 
+bool IsText(const rapidjson::Value& entry, const char* member, const char* text)
+{
+    return entry.HasMember(member) && entry[member].IsString() && std::string(entry[member].GetString()) == text;
+}
+
+// The integer `answer` of the first entry of the profile's list `list` that names `function`
+// (and, when `call` is given, that call of it) and applies to the function's call number
+// `calls`: every call without "nth" (or with 0), else only the nth.
+std::optional<int64_t> ProfileAnswer(const rapidjson::Document& state, const char* list, const char* function,
+                                     int64_t calls, const char* answer, const char* call = nullptr)
+{
+    if (!state.HasMember(list) || !state[list].IsArray()) {
+        return std::nullopt;
+    }
+    for (const auto& entry : state[list].GetArray()) {
+        if (!entry.IsObject() || !IsText(entry, "function", function) ||
+            (call != nullptr && !IsText(entry, "call", call)) || !entry.HasMember(answer) || !entry[answer].IsInt64()) {
+            continue;
+        }
+        const int64_t nth = entry.HasMember("nth") && entry["nth"].IsInt64() ? entry["nth"].GetInt64() : 0;
+        if (nth == 0 || nth == calls) {
+            return entry[answer].GetInt64();
+        }
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::wstring StateDirectory()
@@ -117,21 +144,12 @@ std::optional<int64_t> TakeFault(rapidjson::Document& state, const char* functio
         counters.AddMember(rapidjson::Value(function, state.GetAllocator()), rapidjson::Value(count),
                            state.GetAllocator());
     }
-    if (!state.HasMember("faults") || !state["faults"].IsArray()) {
-        return std::nullopt;
-    }
-    for (const auto& fault : state["faults"].GetArray()) {
-        if (!fault.IsObject() || !fault.HasMember("function") || !fault["function"].IsString() ||
-            std::string(fault["function"].GetString()) != function || !fault.HasMember("code") ||
-            !fault["code"].IsInt64()) {
-            continue;
-        }
-        const int64_t nth = fault.HasMember("nth") && fault["nth"].IsInt64() ? fault["nth"].GetInt64() : 0;
-        if (nth == 0 || nth == count) {
-            return fault["code"].GetInt64();
-        }
-    }
-    return std::nullopt;
+    return ProfileAnswer(state, "faults", function, count, "code");
+}
+
+std::optional<int64_t> CountAnswer(const rapidjson::Document& state, const char* function, const char* call)
+{
+    return ProfileAnswer(state, "counts", function, CallCount(state, function), "answer", call);
 }
 
 int64_t CallCount(const rapidjson::Document& state, const char* function)

@@ -31,6 +31,12 @@ void ResetState(const rapidjson::Document& state);
 // any. Profile faults: [{"function": name, "code": N, "nth": K}]; without "nth" (or with 0)
 // every call fails, else only the K-th call (1-based) since the profile was installed.
 std::optional<int64_t> TakeFault(rapidjson::Document& state, const char* function);
+// The count an enumeration reports instead of the one it has, when the profile sets one for
+// this call. Profile counts: [{"function": name, "call": "count" | "fill", "answer": N,
+// "nth": K}]: the call that asks for the count (no array) reports N, or the call that fills an
+// array finds N entries to write, on every such call (without "nth", or 0) or only when it is
+// the function's K-th call since the install. Asked after TakeFault, which counts the call.
+std::optional<int64_t> CountAnswer(const rapidjson::Document& state, const char* function, const char* call);
 // How many times `function` has been called since the profile was installed.
 int64_t CallCount(const rapidjson::Document& state, const char* function);
 

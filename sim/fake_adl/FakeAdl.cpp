@@ -265,7 +265,8 @@ int ADL2_Adapter_NumberOfAdapters_Get(Context handle, int* lpNumAdapters)
             result = static_cast<int>(*fault);
             return true;
         }
-        count = ReportedAdapterCount(state);
+        count = static_cast<int>(LumavenSim::CountAnswer(state, "ADL2_Adapter_NumberOfAdapters_Get", "count")
+                                     .value_or(ReportedAdapterCount(state)));
         return true;
     });
     if (result == kOk) {
@@ -363,10 +364,21 @@ int ADL2_Display_DisplayInfo_Get(Context handle, int iAdapterIndex, int* lpNumDi
             return true;
         }
         const auto displays = Displays(*adapter);
-        for (size_t j = 0; j < displays.size(); ++j) {
-            const rapidjson::Value& display = *displays[j];
+        // The profile's "counts" can make the adapter list another number of displays: the
+        // first of its own, then as many that are neither connected nor mapped.
+        const auto listed = LumavenSim::CountAnswer(state, "ADL2_Display_DisplayInfo_Get", "count");
+        const size_t count = listed ? static_cast<size_t>(std::max<int64_t>(*listed, 0)) : displays.size();
+        for (size_t j = 0; j < count; ++j) {
             DisplayInfo info;
             std::memset(&info, 0, sizeof info);
+            if (j >= displays.size()) {
+                info.displayID.iDisplayLogicalIndex = static_cast<int>(j);
+                info.displayID.iDisplayLogicalAdapterIndex = iAdapterIndex;
+                info.iDisplayInfoMask = kDisplayConnected | kDisplayMapped;
+                infos.push_back(info);
+                continue;
+            }
+            const rapidjson::Value& display = *displays[j];
             info.displayID.iDisplayLogicalIndex = IntMember(display, "displayIndex", static_cast<int>(j));
             info.displayID.iDisplayPhysicalIndex = info.displayID.iDisplayLogicalIndex;
             info.displayID.iDisplayLogicalAdapterIndex = IntMember(display, "logicalAdapterIndex", iAdapterIndex);

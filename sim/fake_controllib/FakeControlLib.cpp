@@ -309,23 +309,37 @@ ctl_result_t Act(Tag<Fn::ctlSetRuntimePath>, Call& call, Document&, ctl_runtime_
 }
 
 // The count-then-fill protocol: without an array (or with a count of 0) the call reports how
-// many there are; with one it fills at most *count handles and says how many it filled.
+// many there are; with one it fills them in and says how many it filled. An array too small for
+// them is refused: nothing is written, and the count says how many there are. The profile's
+// "counts" can make either call find another number than the machine has (a driver whose
+// adapters or outputs change between the two calls, or one that reports nonsense); entries past
+// the machine's own get handles that every later call refuses.
 template <class Handle, class MakeHandle>
-ctl_result_t Enumerate(Call& call, size_t available, uint32_t* count, Handle* handles, MakeHandle make)
+ctl_result_t Enumerate(Call& call, const Document& state, size_t available, uint32_t* count, Handle* handles,
+                       MakeHandle make)
 {
     if (count == nullptr) {
         return call.Refuse(Driver::kNullPointer, "no count");
     }
-    if (handles == nullptr || *count == 0) {
-        *count = static_cast<uint32_t>(available);
-    } else {
-        *count = static_cast<uint32_t>(std::min<size_t>(*count, available));
-        for (uint32_t i = 0; i < *count; ++i) {
-            handles[i] = make(i);
-        }
-    }
-    call.Add("count", *count);
+    const bool fill = handles != nullptr && *count != 0;
     call.Add("filled", handles != nullptr);
+    const std::optional<int64_t> answer = LumavenSim::CountAnswer(state, call.Function(), fill ? "fill" : "count");
+    const uint32_t has = answer ? static_cast<uint32_t>(*answer) : static_cast<uint32_t>(available);
+    if (!fill) {
+        *count = has;
+        call.Add("count", *count);
+        return Result(Driver::kSuccess);
+    }
+    const uint32_t room = *count;
+    *count = has;
+    call.Add("count", *count);
+    if (has > room) {
+        return call.Refuse(Driver::kInvalidArgument,
+                           "an array of " + std::to_string(room) + " for " + std::to_string(has) + " handles");
+    }
+    for (uint32_t i = 0; i < has; ++i) {
+        handles[i] = make(i);
+    }
     return Result(Driver::kSuccess);
 }
 
@@ -336,7 +350,8 @@ ctl_result_t Act(Tag<Fn::ctlEnumerateDevices>, Call& call, Document& state, ctl_
         return api == nullptr ? call.Refuse(Driver::kNullPointer, "no API handle")
                               : call.Refuse(Driver::kInvalidArgument, "an API handle this driver did not give out");
     }
-    return Enumerate(call, Intel::AdapterCount(state), count, devices, [](size_t i) { return AdapterHandle(i); });
+    return Enumerate(call, state, Intel::AdapterCount(state), count, devices,
+                     [](size_t i) { return AdapterHandle(i); });
 }
 
 ctl_result_t Act(Tag<Fn::ctlEnumerateDisplayOutputs>, Call& call, Document& state, ctl_device_adapter_handle_t device,
@@ -348,7 +363,7 @@ ctl_result_t Act(Tag<Fn::ctlEnumerateDisplayOutputs>, Call& call, Document& stat
                    ? call.Refuse(Driver::kNullPointer, "no adapter handle")
                    : call.Refuse(Driver::kInvalidArgument, "an adapter handle this driver did not give out");
     }
-    return Enumerate(call, Intel::OutputCount(state, *adapter), count, outputs,
+    return Enumerate(call, state, Intel::OutputCount(state, *adapter), count, outputs,
                      [&](size_t i) { return OutputHandle(*adapter, i); });
 }
 

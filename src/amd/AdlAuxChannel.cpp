@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <utility>
 
@@ -71,7 +72,17 @@ constexpr int kAuxStatusBeforeCall = 0;
 constexpr int kAuxCommandWrite = 1;
 
 constexpr int kEnumConnectedAdapters = 1;
-constexpr int64_t kMaxAdapterBufferBytes = 0x80000000LL;
+
+// The most adapters and displays per adapter ADL may report. ADL lists each graphics adapter
+// several times (once per logical adapter) and a handful of displays for each, so a real
+// machine stays far below these; a larger count is ADL failing, and taking it would size the
+// adapter buffer from it (up to 2 GiB) and call ADL again for every adapter and display, under
+// the command lock.
+constexpr int kMaxAdapters = 1024;
+constexpr int kMaxDisplaysPerAdapter = 256;
+// ADL takes the adapter buffer's size as an int.
+static_assert(static_cast<size_t>(kMaxAdapters) * sizeof(Adl::AdapterInfo) <=
+              static_cast<size_t>(std::numeric_limits<int>::max()));
 
 void* __stdcall AdlMainMemoryAlloc(int size)
 {
@@ -138,7 +149,8 @@ bool WriteToMatchingDisplays(TraceLogger* logger, int adapterCount, PanelId pane
             g_adl.ADL2_Display_DisplayInfo_Get(g_adl.context.get(), adapterIndex, &displayCount, &displays, 0);
         // Whatever ADL allocated is ours to free, also when it reports a failure.
         g_adl.displayInfo.reset(displays);
-        if (listed != Adl::ADL_OK) {
+        // A display count no adapter has is taken as the call failing.
+        if (listed != Adl::ADL_OK || displayCount > kMaxDisplaysPerAdapter) {
             continue;
         }
         logger->LogInfo(L"display count=%d", displayCount);
@@ -216,11 +228,12 @@ bool WriteAuxDataAmd(PanelId panelId, const std::vector<AuxWrite>& writes)
         return false;
     }
     logger->LogInfo(L"nAdapter count=%d", adapterCount);
-    const int64_t adapterBytes = static_cast<int64_t>(adapterCount) * static_cast<int64_t>(sizeof(Adl::AdapterInfo));
-    if (adapterBytes >= kMaxAdapterBufferBytes) {
+    // An adapter count no machine has is refused as a buffer too large to ask for.
+    if (adapterCount > kMaxAdapters) {
         logger->LogInfo(L"lpAdapterInfo buffer size overflow");
         return false;
     }
+    const int adapterBytes = adapterCount * static_cast<int>(sizeof(Adl::AdapterInfo));
 
     bool matched = false;
     if (adapterCount > 0) {
@@ -228,8 +241,7 @@ bool WriteAuxDataAmd(PanelId panelId, const std::vector<AuxWrite>& writes)
         if (g_adl.adapterInfo) {
             std::memset(g_adl.adapterInfo.get(), 0, static_cast<size_t>(adapterBytes));
             // Its answer is not looked at: a failed fill leaves zeroed records (adapter index 0).
-            g_adl.ADL2_Adapter_AdapterInfo_Get(g_adl.context.get(), g_adl.adapterInfo.get(),
-                                               static_cast<int>(adapterBytes));
+            g_adl.ADL2_Adapter_AdapterInfo_Get(g_adl.context.get(), g_adl.adapterInfo.get(), adapterBytes);
             matched = WriteToMatchingDisplays(logger, adapterCount, panelId, writes);
         }
     }

@@ -6,14 +6,16 @@
 
 #include "xelto/Logging.h"
 
+#include <vector>
+
 namespace Xelto::Spanlet::Server::Services::Lumaven {
 
 namespace {
 
 bool RunOverTargets(IntelSession& session, uint32_t mode, ctl_result_t& status)
 {
-    return EnumerateTargetDisplays(static_cast<uint32_t>(session.devices.size()), session.devices.data(), status,
-                                   mode) != 0;
+    std::vector<ctl_device_adapter_handle_t>& devices = session.Devices();
+    return EnumerateTargetDisplays(static_cast<uint32_t>(devices.size()), devices.data(), status, mode) != 0;
 }
 
 void LogSessionStatus(ctl_result_t status)
@@ -28,15 +30,16 @@ void LogSessionStatus(ctl_result_t status)
 uint32_t RunIntelCommand(uint32_t mode, Document& response, OledRecord record)
 {
     IntelSession session;
-    if (!OpenIntelSession(session)) {
-        ctlClose(session.api);
-        return StatusDeviceError;
+    if (!session.Open()) {
+        return StatusDeviceError;  // closed on the way out, as on every path
     }
     ctl_result_t status = CTL_RESULT_SUCCESS;
     const bool value = RunOverTargets(session, mode, status);
     AddBool(response, L"result", value);
     LogSessionStatus(status);
-    ctlClose(session.api);
+    // The session ends before the setting is stored, so the store runs, and may fail, with
+    // the library closed.
+    session.Close();
     if (const std::optional<uint32_t> setting = value ? record.whenTrue : record.whenFalse) {
         StoreOledSetting(*setting);
     }
@@ -46,14 +49,15 @@ uint32_t RunIntelCommand(uint32_t mode, Document& response, OledRecord record)
 void RunIntelEventSession(uint32_t mode)
 {
     IntelSession session;
-    if (!OpenIntelSession(session)) {
-        // Left open on purpose: the library stays loaded and the next session reuses it.
+    if (!session.Open()) {
+        // Left open on purpose: the library stays loaded and the next session reuses it. An
+        // exception while opening still closes it.
+        session.LeaveOpen();
         return;
     }
     ctl_result_t status = CTL_RESULT_SUCCESS;
     RunOverTargets(session, mode, status);
     LogSessionStatus(status);
-    ctlClose(session.api);
 }
 
 }  // namespace Xelto::Spanlet::Server::Services::Lumaven

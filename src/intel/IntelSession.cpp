@@ -13,6 +13,13 @@ namespace {
 
 constexpr uint32_t kApiVersion1_0 = 0x00010000;  // major in the upper half, minor in the lower
 
+// The most adapters and display outputs a driver may report. No machine has more than a few
+// graphics adapters, nor an adapter more than a few display outputs; a larger count is the
+// driver failing, not a machine, and taking it would size the handle array from it (up to
+// 32 GiB) and then call the driver once per entry, under the command lock.
+constexpr uint32_t kMaxAdapters = 256;
+constexpr uint32_t kMaxDisplayOutputs = 256;
+
 bool WorksOnAttachedDisplaysOnly(uint32_t mode)
 {
     return mode == kModeEdOn || mode == kModeEdOff || mode == kModeOpstSupport;
@@ -98,6 +105,11 @@ uint8_t EnumerateTargetDisplays(uint32_t deviceCount, ctl_device_adapter_handle_
     for (uint32_t i = 0; i < deviceCount && chosen == nullptr; ++i) {
         displayCount = 0;
         status = ctlEnumerateDisplayOutputs(devices[i], &displayCount, nullptr);
+        if (status == 0 && displayCount > kMaxDisplayOutputs) {
+            // Taken as the call failing: logged with the code of a refused argument, and the
+            // walk goes on as after any failure.
+            status = CTL_RESULT_ERROR_INVALID_ARGUMENT;
+        }
         if (status != 0) {
             LogEnumerationFailure(status);
         } else if (displayCount > 0) {
@@ -118,22 +130,32 @@ uint8_t EnumerateTargetDisplays(uint32_t deviceCount, ctl_device_adapter_handle_
     return ApplyToTargetDisplays(displays.data(), std::min(displayCount, allocated), status, mode);
 }
 
-bool OpenIntelSession(IntelSession& session)
+bool IntelSession::Open()
 {
     ctl_init_args_t args = SessionInitArgs();
-    if (ctlInit(&args, &session.api) != 0) {
+    m_initCalled = true;
+    if (ctlInit(&args, &m_api) != 0) {
         return false;
     }
     uint32_t count = 0;
-    if (ctlEnumerateDevices(session.api, &count, nullptr) != 0) {
+    if (ctlEnumerateDevices(m_api, &count, nullptr) != 0 || count > kMaxAdapters) {
         return false;
     }
-    session.devices.assign(count, nullptr);
-    if (ctlEnumerateDevices(session.api, &count, session.devices.data()) != 0) {
+    m_devices.assign(count, nullptr);
+    if (ctlEnumerateDevices(m_api, &count, m_devices.data()) != 0) {
         return false;
     }
-    session.devices.resize(std::min<size_t>(count, session.devices.size()));
+    // A library that now lists fewer adapters filled only those.
+    m_devices.resize(std::min<size_t>(count, m_devices.size()));
     return true;
+}
+
+void IntelSession::Close() noexcept
+{
+    if (m_initCalled) {
+        m_initCalled = false;
+        ctlClose(m_api);
+    }
 }
 
 }  // namespace Xelto::Spanlet::Server::Services::Lumaven

@@ -38,10 +38,19 @@ bool CarriesPanelId(const EdidBlock& edid, PanelId id)
 constexpr DWORD kInitialEdidBufferBytes = 256;
 static_assert(kInitialEdidBufferBytes >= std::tuple_size_v<EdidBlock>, "the buffer holds at least the bytes read");
 
+// The most class GUIDs the name "Monitor" may stand for. A class name names one class, or
+// a few where vendors registered their own under the same name; a larger count is SetupAPI
+// failing, and taking it would size the list from it (up to 64 GiB).
+constexpr DWORD kMaxMonitorClassGuids = 256;
+
 std::vector<GUID> MonitorClassGuids()
 {
     DWORD required = 0;
     if (!SetupDiClassGuidsFromNameW(L"Monitor", nullptr, 0, &required) && GetLastError() != ERROR_INSUFFICIENT_BUFFER) {
+        return {};
+    }
+    // Taken as the call failing: no monitor can be listed.
+    if (required > kMaxMonitorClassGuids) {
         return {};
     }
     std::vector<GUID> guids(required);

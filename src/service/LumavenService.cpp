@@ -4,6 +4,7 @@
 #include "util/TypeName.h"
 
 #include <cwchar>
+#include <memory>
 
 namespace Xelto::Spanlet::Server::Services::Lumaven {
 
@@ -44,13 +45,14 @@ uint32_t LumavenService::CreateString(const wchar_t* text, wchar_t*** holder)
         return 0;
     }
     const size_t length = text != nullptr ? wcsnlen(text, kMaxCreatedStringChars) : 0;
-    auto** box = new wchar_t*;
+    // Owned here until both are made: the copy's allocation failing leaves the holder freed.
+    auto box = std::make_unique<wchar_t*>(nullptr);
     auto* copy = new wchar_t[length + 1];
     // A longer text is the caller's error; the bounded copy reports it through the runtime's
     // invalid-parameter handling instead of truncating it.
     wcscpy_s(copy, length + 1, text != nullptr ? text : L"");
     *box = copy;
-    *holder = box;
+    *holder = box.release();
     return 0;
 }
 

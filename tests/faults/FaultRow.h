@@ -17,6 +17,7 @@ enum class Machine {
     IntelOpstOn,       // the same with OPST on
     IntelTwoAdapters,  // two adapters with one such output each
     IntelPanel4174,    // panel 0x4174834C: one write of one byte, register 0x4027 = 00
+    IntelNoAdapters,   // panel 0x4160834C, and a control library that lists no adapter
     AmdPanelOff,       // one adapter, one mapped display; 0x045A = 00; VariBright off, "balanced"
     AmdPanelOn,        // the same with 0x045A = C0 and VariBright on
 };
@@ -60,7 +61,9 @@ enum class Arrange {
 };
 
 // A fault of a simulated driver: `function` answers `code` on its `nth` call counted from the
-// arming (every call when 0).
+// arming (every call when 0). A function named "name#count" or "name#fill" is not failed: that
+// enumeration's count call (or its fill call) succeeds and finds `code` entries instead of the
+// machine's own, on the function's `nth` call (every such call when 0).
 struct Fault {
     const char* function;
     int64_t code;

@@ -107,6 +107,7 @@ MachineSetup Setup(Machine machine)
     case Machine::IntelPanel4174:
         return {"intel-4174", kVendorIntel,
                 IntelProfile("4C837441", "{\"outputs\":[" + IntelOutput(0, R"({"4027":"00"})") + "]}"), intelLibraries};
+    case Machine::IntelNoAdapters: return {"intel-4160", kVendorIntel, IntelProfile("4C836041", ""), intelLibraries};
     case Machine::AmdPanelOff: return {"amd-416C", kVendorAmd, AmdProfile(false), amdLibraries};
     case Machine::AmdPanelOn: return {"amd-416C", kVendorAmd, AmdProfile(true), amdLibraries};
     }
@@ -327,15 +328,26 @@ void Arm(const std::vector<Fault>& faults)
     LumavenSim::WithState([&faults](rapidjson::Document& state) {
         auto& allocator = state.GetAllocator();
         rapidjson::Value list(rapidjson::kArrayType);
+        rapidjson::Value counts(rapidjson::kArrayType);
         for (const Fault& fault : faults) {
+            // "name#count" / "name#fill": the count the enumeration finds, not a failure.
+            const std::string function = fault.function;
+            const size_t hash = function.find('#');
             rapidjson::Value entry(rapidjson::kObjectType);
-            entry.AddMember("function", rapidjson::Value(fault.function, allocator), allocator);
-            entry.AddMember("code", rapidjson::Value(fault.code), allocator);
+            entry.AddMember("function", rapidjson::Value(function.substr(0, hash).c_str(), allocator), allocator);
+            if (hash == std::string::npos) {
+                entry.AddMember("code", rapidjson::Value(fault.code), allocator);
+            } else {
+                entry.AddMember("call", rapidjson::Value(function.substr(hash + 1).c_str(), allocator), allocator);
+                entry.AddMember("answer", rapidjson::Value(fault.code), allocator);
+            }
             entry.AddMember("nth", rapidjson::Value(fault.nth), allocator);
-            list.PushBack(entry, allocator);
+            (hash == std::string::npos ? list : counts).PushBack(entry, allocator);
         }
         state.RemoveMember("faults");
         state.AddMember("faults", list, allocator);
+        state.RemoveMember("counts");
+        state.AddMember("counts", counts, allocator);
         state.RemoveMember("calls");
         state.AddMember("calls", rapidjson::Value(rapidjson::kObjectType), allocator);
         return true;
@@ -757,6 +769,15 @@ TEST(FaultTable, RowsNameListedPointsAndInjectWhereTheyClaim)
         function = function.substr(function.find(':') + 1);  // npos + 1 == 0: no session prefix
         function = function.substr(0, function.find('#'));
         const std::string code = row.point.substr(codeStart);
+        if (code == "implausible" || code == "more" || code == "fewer") {
+            bool answered = false;
+            for (const Fault& fault : row.faults) {
+                const std::string answering = fault.function;
+                answered = answered || answering.substr(0, answering.find('#')) == function;
+            }
+            EXPECT_TRUE(answered) << "row " << i << " claims " << row.point << " but no count of " << function
+                                  << " is answered";
+        }
         if (code == "error" || code == "warning" || code == "success-code") {
             bool injected = false;
             for (const Fault& fault : row.faults) {

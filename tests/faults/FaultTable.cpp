@@ -43,6 +43,16 @@ const Entries kIntelAux = {"ctlGetDisplayProperties|error", "ctlAUXAccess#write1
                            "ctlAUXAccess#write2|error",     "ctlAUXAccess#write3|error",
                            "ctlAUXAccess#write4|error",     "ctlAUXAccess#read-back|error"};
 const Entries kIntelClose = {"ctlClose|error"};
+// Counts the library reports: one no machine has on a count call, and a fill call that finds
+// more or fewer entries than the count call said. The session code is one for every Intel
+// path, so one command covers each; the event covers the counts whose failure differs there.
+const Entries kIntelCounts = {"ctlEnumerateDevices#count|implausible", "ctlEnumerateDisplayOutputs#count|implausible",
+                              "ctlEnumerateDevices#list|more",         "ctlEnumerateDevices#list|fewer",
+                              "ctlEnumerateDisplayOutputs#list|more",  "ctlEnumerateDisplayOutputs#list|fewer"};
+const Entries kIntelEventCounts = {"ctlEnumerateDevices#count|implausible",
+                                   "ctlEnumerateDisplayOutputs#count|implausible"};
+// A library that lists no adapter at all: every Intel path answers.
+const Entries kIntelNoAdapter = {"ctlEnumerateDevices#count|zero"};
 
 // ADL within one WriteAuxDataAmd call. "warning" is a positive ADL result: not ADL_OK, so a
 // failure for the calls whose result is tested.
@@ -62,6 +72,9 @@ const Entries kAdl = {"atiadlxx.dll+atiadlxy.dll|missing",
                       "ADL2_Display_EdidData_Get|warning",
                       "ADL2_Display_NativeAUXChannel_Access|error",
                       "ADL2_Main_Control_Destroy|error"};
+// Counts ADL reports that no machine has.
+const Entries kAdlCounts = {"ADL2_Adapter_NumberOfAdapters_Get|implausible",
+                            "ADL2_Display_DisplayInfo_Get|implausible"};
 
 // ADLX: a result of 3 or more fails; 1 and 2 count as success. "success-code" is 1 or 2 answered
 // without the call's output; "already-initialized" the real repeated initialisation.
@@ -84,21 +97,21 @@ Entries AllPoints()
 {
     const Entries intelEd = kIntelLibrary + kIntelSetup + kIntelAux + kIntelClose;
     const std::vector<std::pair<std::string, Entries>> paths = {
-        {"cmd1", kIntelLibrary + kIntelSetup + kIntelProbe + kIntelClose + kRegistryWriter},
-        {"cmd2", kIntelLibrary + kIntelSetup + kIntelSwitch + kIntelClose + kRegistryWriter},
-        {"cmd3", kIntelLibrary + kIntelSetup + kIntelSwitch + kIntelClose + kRegistryWriter},
-        {"cmd5", intelEd + kRegistryWriter},
-        {"cmd6", intelEd + kRegistryWriter},
-        {"cmd8", kIntelLibrary + kIntelSetup + kIntelSupport + kIntelClose},
-        {"cmd9-intel-on", intelEd + kRegistryWriter},
-        {"cmd9-intel-off", intelEd + kRegistryWriter},
-        {"cmd10-intel", kIntelLibrary + kIntelSetup + kIntelSupport + kIntelClose},
+        {"cmd1", kIntelLibrary + kIntelSetup + kIntelProbe + kIntelClose + kRegistryWriter + kIntelNoAdapter},
+        {"cmd2", kIntelLibrary + kIntelSetup + kIntelSwitch + kIntelClose + kRegistryWriter + kIntelNoAdapter},
+        {"cmd3", kIntelLibrary + kIntelSetup + kIntelSwitch + kIntelClose + kRegistryWriter + kIntelNoAdapter},
+        {"cmd5", intelEd + kRegistryWriter + kIntelNoAdapter + kIntelCounts},
+        {"cmd6", intelEd + kRegistryWriter + kIntelNoAdapter},
+        {"cmd8", kIntelLibrary + kIntelSetup + kIntelSupport + kIntelClose + kIntelNoAdapter},
+        {"cmd9-intel-on", intelEd + kRegistryWriter + kIntelNoAdapter},
+        {"cmd9-intel-off", intelEd + kRegistryWriter + kIntelNoAdapter},
+        {"cmd10-intel", kIntelLibrary + kIntelSetup + kIntelSupport + kIntelClose + kIntelNoAdapter},
         {"cmd11-intel", kIntelLibrary + Prefixed("opst:", kIntelSetup + kIntelSwitch + kIntelClose) +
-                            Prefixed("ed:", kIntelSetup + kIntelAux + kIntelClose) + kRegistryWriter},
+                            Prefixed("ed:", kIntelSetup + kIntelAux + kIntelClose) + kRegistryWriter + kIntelNoAdapter},
         {"cmd12-intel", kIntelLibrary + Prefixed("opst:", kIntelSetup + kIntelSwitch + kIntelClose) +
-                            Prefixed("ed:", kIntelSetup + kIntelAux + kIntelClose) + kRegistryWriter},
-        {"event-intel", intelEd},
-        {"cmd9-amd-on", kAdl + kRegistryWriter},
+                            Prefixed("ed:", kIntelSetup + kIntelAux + kIntelClose) + kRegistryWriter + kIntelNoAdapter},
+        {"event-intel", intelEd + kIntelNoAdapter + kIntelEventCounts},
+        {"cmd9-amd-on", kAdl + kRegistryWriter + kAdlCounts},
         {"cmd9-amd-off", kAdl + kRegistryWriter},
         {"cmd10-amd", kAdlxInit + kAdlxVariBright + Entries{"IsSupported|error"}},
         {"cmd11-amd", kAdlxInit + kAdlxVariBright +
@@ -109,7 +122,7 @@ Entries AllPoints()
          kAdlxInit + kAdlxVariBright + Entries{"SetEnabled|error", "SetEnabled|success-code"} + kAdl + kRegistryWriter},
         {"cmd13", kAdlxVariBright + Entries{"IsSupported|error"}},
         {"cmd14", kAdlxVariBright + Entries{"SetEnabled|error", "SetEnabled|success-code"}},
-        {"event-amd", kAdl},
+        {"event-amd", kAdl + Entries{"ADL2_Adapter_NumberOfAdapters_Get|implausible"}},
         {"cmd7", kRegistryReader},
         {"event", kRegistryReader},
         {"settings-store", {"RegSetValueExW|access-denied", "RegOpenKeyExW|bad-pathname"}},
@@ -159,6 +172,7 @@ const wchar_t kFalse[] = L"{\"result\":false}";
 const wchar_t kTrueTrue[] = L"{\"result\":true,\"result\":true}";
 const wchar_t kTrueFalse[] = L"{\"result\":true,\"result\":false}";
 const wchar_t kFalseTrue[] = L"{\"result\":false,\"result\":true}";
+const wchar_t kFalseFalse[] = L"{\"result\":false,\"result\":false}";
 
 std::wstring Hex(int64_t code)
 {
@@ -1478,12 +1492,113 @@ std::vector<FaultRow> FurtherRows()
     };
 }
 
+// Counts a driver reports. The service takes at most 256 Intel adapters, 256 display outputs
+// per adapter, 1024 ADL adapters and 256 ADL displays per adapter: each row answers one more
+// (or the most a count can say), and the service answers as when that call fails, at once and
+// without sizing anything from the count. A fill call that finds more entries than the count
+// call said is refused by the library (nothing written, the count saying how many there are);
+// one that finds fewer fills only those: the service goes on with no more than it allocated,
+// and no more than the library filled.
+constexpr int64_t kIntelTooMany = 257;
+constexpr int64_t kMostACountSays = 0xFFFFFFFF;
+constexpr int64_t kAdlAdaptersTooMany = 1025;
+constexpr int64_t kAdlDisplaysTooMany = 257;
+const Machine kNoAdapters = Machine::IntelNoAdapters;
+const Lines kAdlTooManyAdapters = {L"I:nAdapter count=1025", L"I:lpAdapterInfo buffer size overflow"};
+const std::string kCreateCount = "Create Count";
+
+std::vector<FaultRow> CountRows()
+{
+    return {
+        // ---- Counts no machine has: the count call's failure.
+        {"cmd5|ctlEnumerateDevices#count|implausible", kIntelOff, "", {{"ctlEnumerateDevices#count", kIntelTooMany, 1}},
+         kNone, Oled::Zero, Cmd(5), kDeviceError, kEmpty, {}, Oled::Zero, "Init Dev Close", kUntouched, kCtlUnloaded},
+        {"", kIntelOff, "", {{"ctlEnumerateDevices#count", kMostACountSays, 1}},
+         kNone, Oled::Zero, Cmd(5), kDeviceError, kEmpty, {}, Oled::Zero, "Init Dev Close", kUntouched, kCtlUnloaded},
+        {"cmd5|ctlEnumerateDisplayOutputs#count|implausible", kIntelOff, "",
+         {{"ctlEnumerateDisplayOutputs#count", kIntelTooMany, 1}}, kNone, Oled::Zero, Cmd(5),
+         kOk, kFalse, {OutputsFailed(kInvalidArgument), SessionFailed(kInvalidArgument)}, Oled::Zero,
+         "Init Dev Dev Out Close", kUntouched, kCtlUnloaded},
+        {"", kIntelOff, "", {{"ctlEnumerateDisplayOutputs#count", kMostACountSays, 1}}, kNone, Oled::Zero, Cmd(5),
+         kOk, kFalse, {OutputsFailed(kInvalidArgument), SessionFailed(kInvalidArgument)}, Oled::Zero,
+         "Init Dev Dev Out Close", kUntouched, kCtlUnloaded},
+        // As after any failure of the count, the walk goes on to the next adapter.
+        {"", Machine::IntelTwoAdapters, "", {{"ctlEnumerateDisplayOutputs#count", kIntelTooMany, 1}}, kNone,
+         Oled::Zero, Cmd(5), kOk, kTrue, {OutputsFailed(kInvalidArgument)}, Oled::One,
+         "Init Dev Dev Out Out Out " + kEdOn + " Close",
+         "I1:404B=7C84CC I1:4056=1756FE I1:404E=0C0003 I1:4054=02 " + kUntouched, kCtlUnloaded},
+        // The event leaves a session it could not open as it is, as after a failed count.
+        {"event-intel|ctlEnumerateDevices#count|implausible", kIntelOff, "",
+         {{"ctlEnumerateDevices#count", kMostACountSays, 1}}, kNone, Oled::One, kEvent,
+         kOk, kNoResponse, kEventOn, Oled::One, "Init Dev", kUntouched, kCtlLoaded},
+        {"event-intel|ctlEnumerateDisplayOutputs#count|implausible", kIntelOff, "",
+         {{"ctlEnumerateDisplayOutputs#count", kMostACountSays, 1}}, kNone, Oled::One, kEvent,
+         kOk, kNoResponse, kEventOn + Lines{OutputsFailed(kInvalidArgument), SessionFailed(kInvalidArgument)},
+         Oled::One, "Init Dev Dev Out Close", kUntouched, kCtlUnloaded},
+        {"cmd9-amd-on|ADL2_Adapter_NumberOfAdapters_Get|implausible", kAmdM, "",
+         {{"ADL2_Adapter_NumberOfAdapters_Get#count", kAdlAdaptersTooMany, 1}}, kNone, Oled::Zero, kOn9,
+         kOk, kFalse, kAdlTooManyAdapters, Oled::Zero, kCreateCount, kAmdUntouchedOff, kAdlStopped},
+        {"", kAmdM, "", {{"ADL2_Adapter_NumberOfAdapters_Get#count", 0x7FFFFFFF, 1}}, kNone, Oled::Zero, kOn9,
+         kOk, kFalse, {L"I:nAdapter count=2147483647", L"I:lpAdapterInfo buffer size overflow"}, Oled::Zero,
+         kCreateCount, kAmdUntouchedOff, kAdlStopped},
+        {"event-amd|ADL2_Adapter_NumberOfAdapters_Get|implausible", kAmdM, "",
+         {{"ADL2_Adapter_NumberOfAdapters_Get#count", kAdlAdaptersTooMany, 1}}, kNone, Oled::One, kEvent,
+         kOk, kNoResponse, kEventOn + kAdlTooManyAdapters, Oled::One, kCreateCount, kAmdUntouchedOff, kAdlStopped},
+        // The adapter's display list is passed over, as when ADL fails to give it.
+        {"cmd9-amd-on|ADL2_Display_DisplayInfo_Get|implausible", kAmdM, "",
+         {{"ADL2_Display_DisplayInfo_Get#count", kAdlDisplaysTooMany, 1}}, kNone, Oled::Zero, kOn9,
+         kOk, kFalse, kAdlCounted, Oled::Zero, "Create Count Adapters Disp Destroy", kAmdUntouchedOff,
+         kAdlUnloaded},
+
+        // ---- The fill call finds another number than the count call said.
+        {"cmd5|ctlEnumerateDevices#list|more", kIntelOff, "", {{"ctlEnumerateDevices#fill", 2, 2}}, kNone,
+         Oled::Zero, Cmd(5), kDeviceError, kEmpty, {}, Oled::Zero, "Init Dev Dev! Close", kUntouched, kCtlUnloaded},
+        // No adapter left: the two handles allocated are not used.
+        {"cmd5|ctlEnumerateDevices#list|fewer", kNoAdapters, "", {{"ctlEnumerateDevices#count", 2, 1}}, kNone,
+         Oled::Zero, Cmd(5), kOk, kFalse, {}, Oled::Zero, "Init Dev Dev Close", "", kCtlUnloaded},
+        // Refused, with two outputs said: the loop still runs over the one handle allocated.
+        {"cmd5|ctlEnumerateDisplayOutputs#list|more", kIntelOff, "", {{"ctlEnumerateDisplayOutputs#fill", 2, 2}},
+         kNone, Oled::Zero, Cmd(5), kOk, kFalse, {OutputsFailed(kInvalidArgument)}, Oled::Zero,
+         "Init Dev Dev Out Out! Props! Close", kUntouched, kCtlUnloaded},
+        // Three said, one filled: only that one is looked at.
+        {"cmd5|ctlEnumerateDisplayOutputs#list|fewer", kIntelOff, "", {{"ctlEnumerateDisplayOutputs#count", 3, 1}},
+         kNone, Oled::Zero, Cmd(5), kOk, kTrue, {}, Oled::One, kEdOnDone, kPanelOn, kCtlUnloaded},
+
+        // ---- No adapter at all: not a failure of the library, so every command answers 0 with
+        // a false "result" (command 10 then asks the panel table), and records as for any false.
+        {"cmd1|ctlEnumerateDevices#count|zero", kNoAdapters, "", {}, kNone, Oled::One, Cmd(1),
+         kOk, kFalse, {}, Oled::Zero, "Init Dev Dev Close", "", kCtlUnloaded},
+        {"cmd2|ctlEnumerateDevices#count|zero", kNoAdapters, "", {}, kNone, Oled::Zero, Cmd(2),
+         kOk, kFalse, {}, Oled::Zero, "Init Dev Dev Close", "", kCtlUnloaded},
+        {"cmd3|ctlEnumerateDevices#count|zero", kNoAdapters, "", {}, kNone, Oled::One, Cmd(3),
+         kOk, kFalse, {}, Oled::One, "Init Dev Dev Close", "", kCtlUnloaded},
+        {"cmd5|ctlEnumerateDevices#count|zero", kNoAdapters, "", {}, kNone, Oled::Zero, Cmd(5),
+         kOk, kFalse, {}, Oled::Zero, "Init Dev Dev Close", "", kCtlUnloaded},
+        {"cmd6|ctlEnumerateDevices#count|zero", kNoAdapters, "", {}, kNone, Oled::One, Cmd(6),
+         kOk, kFalse, {}, Oled::Zero, "Init Dev Dev Close", "", kCtlUnloaded},
+        {"cmd8|ctlEnumerateDevices#count|zero", kNoAdapters, "", {}, kNone, Oled::Zero, Cmd(8),
+         kOk, kFalse, {}, Oled::Zero, "Init Dev Dev Close", "", kCtlUnloaded},
+        {"cmd9-intel-on|ctlEnumerateDevices#count|zero", kNoAdapters, "", {}, kNone, Oled::Zero, kOn9,
+         kOk, kFalse, {}, Oled::Zero, "Init Dev Dev Close", "", kCtlUnloaded},
+        {"cmd9-intel-off|ctlEnumerateDevices#count|zero", kNoAdapters, "", {}, kNone, Oled::One, kOff9,
+         kOk, kFalse, {}, Oled::Zero, "Init Dev Dev Close", "", kCtlUnloaded},
+        {"cmd10-intel|ctlEnumerateDevices#count|zero", kNoAdapters, "", {}, kNone, Oled::Zero, Cmd(10),
+         kOk, kFalseTrue, {}, Oled::Zero, "Init Dev Dev Close", "", kCtlUnloaded},
+        {"cmd11-intel|ctlEnumerateDevices#count|zero", kNoAdapters, "", {}, kNone, Oled::Zero, Cmd(11),
+         kOk, kFalseFalse, {}, Oled::Zero, "Init Dev Dev Close Init Dev Dev Close", "", kCtlUnloaded},
+        {"cmd12-intel|ctlEnumerateDevices#count|zero", kNoAdapters, "", {}, kNone, Oled::One, Cmd(12),
+         kOk, kFalseFalse, {}, Oled::Zero, "Init Dev Dev Close Init Dev Dev Close", "", kCtlUnloaded},
+        {"event-intel|ctlEnumerateDevices#count|zero", kNoAdapters, "", {}, kNone, Oled::One, kEvent,
+         kOk, kNoResponse, kEventOn, Oled::One, "Init Dev Dev Close", "", kCtlUnloaded},
+    };
+}
+
 // clang-format on
 
 std::vector<FaultRow> Rows()
 {
     std::vector<FaultRow> rows;
-    for (auto part : {OpstRows, EdRows, CompositeIntelRows, AdlRows, AdlxRows, RegistryRows, FurtherRows}) {
+    for (auto part : {OpstRows, EdRows, CompositeIntelRows, AdlRows, AdlxRows, RegistryRows, FurtherRows, CountRows}) {
         for (FaultRow& row : part()) {
             rows.push_back(std::move(row));
         }

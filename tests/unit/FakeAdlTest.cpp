@@ -194,6 +194,32 @@ TEST_F(FakeAdl, AdapterBufferIsCheckedAgainstTheCountReportedNotTheAdaptersKnown
     EXPECT_EQ(adapters(m_context, buffer.data(), 3 * static_cast<int>(sizeof(AdapterInfo))), ADL_OK);
 }
 
+// The profile's "counts" make the adapter count, or an adapter's display list, another number
+// than the machine has; the list ADL allocates always holds every display it reports.
+TEST_F(FakeAdl, CountsOfTheProfileAnswerTheAdapterCountAndTheDisplayList)
+{
+    LumavenSim::WithState([](rapidjson::Document& state) {
+        rapidjson::Document counts;
+        counts.Parse(R"([{"function":"ADL2_Adapter_NumberOfAdapters_Get","call":"count","answer":2147483647},
+                         {"function":"ADL2_Display_DisplayInfo_Get","call":"count","answer":3}])");
+        state.AddMember("counts", rapidjson::Value(counts, state.GetAllocator()), state.GetAllocator());
+        return true;
+    });
+    int number = 0;
+    ASSERT_EQ(count(m_context, &number), ADL_OK);
+    EXPECT_EQ(number, 2147483647);
+    ADLDisplayInfo* list = nullptr;
+    ASSERT_EQ(displays(m_context, 0, &number, &list, 0), ADL_OK);
+    ASSERT_EQ(number, 3);
+    ASSERT_NE(list, nullptr);
+    // The machine's own display first, then ones that are neither connected nor mapped.
+    EXPECT_EQ(list[0].iDisplayInfoValue, 3);
+    EXPECT_EQ(list[1].iDisplayInfoValue, 0);
+    EXPECT_EQ(list[2].iDisplayInfoValue, 0);
+    EXPECT_EQ(list[2].displayID.iDisplayLogicalAdapterIndex, 0);
+    std::free(list);
+}
+
 TEST_F(FakeAdl, DisplayListNeedsPointersAKnownAdapterAndAForceDetectFlag)
 {
     int number = -1;

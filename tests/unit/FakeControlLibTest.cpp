@@ -19,7 +19,7 @@ using LumavenTest::FakeControlLib;
 using LumavenTest::kTwoAdapters;
 namespace Intel = LumavenSim::Intel;
 
-TEST_F(FakeControlLib, EnumerationReportsTheCountThenFillsAtMostThatMany)
+TEST_F(FakeControlLib, EnumerationReportsTheCountThenFillsAnArrayThatHoldsThem)
 {
     Open();
     uint32_t count = 0;
@@ -33,11 +33,13 @@ TEST_F(FakeControlLib, EnumerationReportsTheCountThenFillsAtMostThatMany)
     EXPECT_NE(devices[1], nullptr);
     EXPECT_NE(devices[0], devices[1]);
     EXPECT_EQ(devices[2], nullptr);
+    // An array too small for them: nothing written, and the count says how many there are.
     count = 1;
     ctl_device_adapter_handle_t first = nullptr;
-    ASSERT_EQ(ctlEnumerateDevices(m_api, &count, &first), CTL_RESULT_SUCCESS);
-    EXPECT_EQ(count, 1u);
-    EXPECT_EQ(first, devices[0]);
+    EXPECT_EQ(ctlEnumerateDevices(m_api, &count, &first), CTL_RESULT_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(count, 2u);
+    EXPECT_EQ(first, nullptr);
+    EXPECT_EQ(Calls("ctlEnumerateDevices").back()["refused"].GetString(), std::string("an array of 1 for 2 handles"));
 
     EXPECT_TRUE(Outputs(devices[0]).empty());
     const auto outputs = Outputs(devices[1]);
@@ -48,6 +50,39 @@ TEST_F(FakeControlLib, EnumerationReportsTheCountThenFillsAtMostThatMany)
     EXPECT_EQ(calls.back()["adapter"].GetUint(), 1u);
     EXPECT_EQ(calls.back()["count"].GetUint(), 2u);
     EXPECT_TRUE(calls.back()["filled"].GetBool());
+}
+
+// The profile's "counts" make the count call, or the fill call, find another number than the
+// machine has; the fill still writes nothing into an array too small for what it finds.
+TEST_F(FakeControlLib, CountsOfTheProfileAnswerTheCountAndTheFillCallApart)
+{
+    Open();
+    LumavenSim::WithState([](rapidjson::Document& state) {
+        rapidjson::Document counts;
+        counts.Parse(R"([{"function":"ctlEnumerateDevices","call":"count","answer":4294967295,"nth":1},
+                         {"function":"ctlEnumerateDevices","call":"fill","answer":1,"nth":2},
+                         {"function":"ctlEnumerateDevices","call":"fill","answer":3,"nth":3}])");
+        state.AddMember("counts", rapidjson::Value(counts, state.GetAllocator()), state.GetAllocator());
+        return true;
+    });
+    uint32_t count = 0;
+    ASSERT_EQ(ctlEnumerateDevices(m_api, &count, nullptr), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(count, 0xFFFFFFFFu);
+    ctl_device_adapter_handle_t devices[2] = {};
+    count = 2;
+    ASSERT_EQ(ctlEnumerateDevices(m_api, &count, devices), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(count, 1u);
+    EXPECT_NE(devices[0], nullptr);
+    EXPECT_EQ(devices[1], nullptr);
+    ctl_device_adapter_handle_t again[2] = {};
+    count = 2;
+    EXPECT_EQ(ctlEnumerateDevices(m_api, &count, again), CTL_RESULT_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(count, 3u);
+    EXPECT_EQ(again[0], nullptr);
+    // Past the profile's counts: the machine's own again.
+    count = 0;
+    ASSERT_EQ(ctlEnumerateDevices(m_api, &count, nullptr), CTL_RESULT_SUCCESS);
+    EXPECT_EQ(count, 2u);
 }
 
 TEST_F(FakeControlLib, HandlesItDidNotGiveOutAreRefused)

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -423,4 +424,50 @@ TEST_F(IntelFeature, CommandsThatShareTheLockNeverInterleaveTheirSessions)
         }
     }
     EXPECT_EQ(sessions, 3 * kPerThread);
+}
+
+// Once ctlInit has been called, leaving the session's scope closes it, also when an exception
+// leaves it: the library is unloaded then, not at the next command.
+TEST_F(IntelFeature, SessionIsClosedOnEveryWayOutOfItsScope)
+{
+    Machine(kPanel4160, Adapters({{kOpstOutput}}));
+    try {
+        IntelSession session;
+        ASSERT_TRUE(session.Open());
+        EXPECT_EQ(session.Devices().size(), 1u);
+        throw std::runtime_error("thrown inside the session");
+    } catch (const std::runtime_error&) {
+    }
+    EXPECT_EQ(CallCount("ctlClose"), 1u);
+    EXPECT_EQ(controlLibModule, nullptr) << "ControlLib.dll is still loaded";
+
+    // Closed early by its owner: closed once, not again at the end of the scope.
+    LumavenSim::ClearTransactions();
+    {
+        IntelSession session;
+        ASSERT_TRUE(session.Open());
+        session.Close();
+        EXPECT_EQ(controlLibModule, nullptr);
+    }
+    EXPECT_EQ(CallCount("ctlClose"), 1u);
+
+    // Never opened: nothing to close.
+    LumavenSim::ClearTransactions();
+    {
+        const IntelSession session;
+    }
+    EXPECT_EQ(CallCount("ctlClose"), 0u);
+}
+
+// A session its owner leaves open keeps the library loaded for the next ctlInit.
+TEST_F(IntelFeature, SessionLeftOpenIsNotClosed)
+{
+    Machine(kPanel4160, Adapters({{kOpstOutput}}), R"([{"function":"ctlEnumerateDevices","code":1073741832,"nth":1}])");
+    {
+        IntelSession session;
+        ASSERT_FALSE(session.Open());
+        session.LeaveOpen();
+    }
+    EXPECT_EQ(CallCount("ctlClose"), 0u);
+    EXPECT_NE(controlLibModule, nullptr);
 }

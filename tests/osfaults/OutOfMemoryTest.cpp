@@ -240,6 +240,9 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
             const Outcome failed = Run(entry, hosted);
             const bool reached = AllocationCalls() >= nth;
             FailNthAllocation(0);
+            // An Intel session is closed on every way out of it, an exception's too: the control
+            // library is not left loaded for the next command to find.
+            EXPECT_EQ(GetModuleHandleW(L"ControlLib.dll"), nullptr) << "the Intel session was left open";
 
             // Where the failure may show, and how.
             if (!failed.returned) {

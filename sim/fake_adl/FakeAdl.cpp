@@ -16,6 +16,7 @@
 //                                       "dpcd": {"0x402E": 192, ...}}]}],
 //           "loads": N, "unloads": N}
 #include "AdlRecords.h"
+#include "DetachGuard.h"
 #include "Installer.h"
 #include "RecordChecks.h"
 #include "SimState.h"
@@ -87,6 +88,12 @@ public:
         return Refuse(kNotInitialized, handle == nullptr ? "no context" : "a context this library did not create");
     }
 };
+
+// After the library's detach nothing of it is left to answer from: the call is refused.
+bool Detached(const char* call)
+{
+    return LumavenSim::RefusedAfterDetach(LibraryName(), call, kNotInitialized);
+}
 
 rapidjson::Value& AmdSection(rapidjson::Document& state)
 {
@@ -210,6 +217,9 @@ extern "C" {
 
 int ADL2_Main_Control_Create(AllocateCallback callback, int iEnumConnectedAdapters, Context* context)
 {
+    if (Detached("ADL2_Main_Control_Create")) {
+        return kNotInitialized;
+    }
     Record record("ADL2_Main_Control_Create");
     record.Int("enumConnectedAdapters", iEnumConnectedAdapters);
     if (const int fault = InjectedFault("ADL2_Main_Control_Create")) {
@@ -230,6 +240,9 @@ int ADL2_Main_Control_Create(AllocateCallback callback, int iEnumConnectedAdapte
 
 int ADL2_Main_Control_Destroy(Context handle)
 {
+    if (Detached("ADL2_Main_Control_Destroy")) {
+        return kNotInitialized;
+    }
     Record record("ADL2_Main_Control_Destroy");
     if (const int fault = InjectedFault("ADL2_Main_Control_Destroy")) {
         return record.Done(fault);
@@ -251,6 +264,9 @@ int ReportedAdapterCount(rapidjson::Document& state)
 
 int ADL2_Adapter_NumberOfAdapters_Get(Context handle, int* lpNumAdapters)
 {
+    if (Detached("ADL2_Adapter_NumberOfAdapters_Get")) {
+        return kNotInitialized;
+    }
     Record record("ADL2_Adapter_NumberOfAdapters_Get");
     if (AsContext(handle) == nullptr) {
         return record.RefuseContext(handle);
@@ -278,6 +294,9 @@ int ADL2_Adapter_NumberOfAdapters_Get(Context handle, int* lpNumAdapters)
 
 int ADL2_Adapter_AdapterInfo_Get(Context handle, AdapterInfo* lpInfo, int iInputSize)
 {
+    if (Detached("ADL2_Adapter_AdapterInfo_Get")) {
+        return kNotInitialized;
+    }
     Record record("ADL2_Adapter_AdapterInfo_Get");
     record.Int("inputSize", iInputSize);
     if (AsContext(handle) == nullptr) {
@@ -337,6 +356,9 @@ int ADL2_Adapter_AdapterInfo_Get(Context handle, AdapterInfo* lpInfo, int iInput
 int ADL2_Display_DisplayInfo_Get(Context handle, int iAdapterIndex, int* lpNumDisplays, DisplayInfo** lppInfo,
                                  int iForceDetect)
 {
+    if (Detached("ADL2_Display_DisplayInfo_Get")) {
+        return kNotInitialized;
+    }
     Record record("ADL2_Display_DisplayInfo_Get");
     record.Int("adapter", iAdapterIndex).Int("forceDetect", iForceDetect);
     FakeContext* context = AsContext(handle);
@@ -417,6 +439,9 @@ int ADL2_Display_DisplayInfo_Get(Context handle, int iAdapterIndex, int* lpNumDi
 // service passes here.
 int ADL2_Display_EdidData_Get(Context handle, int iAdapterIndex, int iDisplayIndex, EdidData* lpEDIDData)
 {
+    if (Detached("ADL2_Display_EdidData_Get")) {
+        return kNotInitialized;
+    }
     Record record("ADL2_Display_EdidData_Get");
     record.Int("adapter", iAdapterIndex).Int("display", iDisplayIndex);
     if (AsContext(handle) == nullptr) {
@@ -489,6 +514,9 @@ int ADL2_Display_EdidData_Get(Context handle, int iAdapterIndex, int iDisplayInd
 // index and display index, and logs the whole record as it arrived.
 int ADL2_Display_NativeAUXChannel_Access(Context handle, int iAdapterIndex, int iDisplayIndex, AuxChannelData* lpData)
 {
+    if (Detached("ADL2_Display_NativeAUXChannel_Access")) {
+        return kNotInitialized;
+    }
     Record record("ADL2_Display_NativeAUXChannel_Access");
     record.Int("adapter", iAdapterIndex).Int("display", iDisplayIndex);
     if (AsContext(handle) == nullptr) {
@@ -560,6 +588,7 @@ int ADL2_Display_NativeAUXChannel_Access(Context handle, int iAdapterIndex, int 
 
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved)
 {
+    LumavenSim::NoteDetach(reason, reserved);
     if (reason == DLL_PROCESS_ATTACH) {
         g_self = instance;
         DisableThreadLibraryCalls(instance);

@@ -19,6 +19,7 @@ enum Result : int {
     kInvalidArgs = 4,
     kBadVersion = 5,
     kUnknownInterface = 6,
+    kTerminated = 7,
     kInvalidObject = 10,
     kNotSupported = 12,
 };

@@ -12,6 +12,7 @@
 // Reference counts: every object handed out carries one reference for the caller, an object
 // goes away when its count reaches 0, and ADLXTerminate destroys whatever is left (an ADLX
 // object does not outlive the ADLX that made it).
+#include "DetachGuard.h"
 #include "SimState.h"
 #include "Transaction.h"
 
@@ -85,15 +86,21 @@ Result WithFaultableState(const char* function, const std::function<Result(rapid
     return result;
 }
 
+// After the library's detach nothing of ADLX is left, its objects included: every export and
+// every method asks this first, and a call that came too late is refused (logged) as one on a
+// terminated ADLX.
+bool Detached(const char* call)
+{
+    return LumavenSim::RefusedAfterDetach("amdadlx64.dll", call, kTerminated);
+}
+
 // Every object of this ADLX: the live ones, so that ADLXTerminate can destroy what the caller
 // did not release, and the last ones released. A released object is kept a while instead of
 // being freed at once, so that a caller who uses it again is refused (ADLX_INVALID_OBJECT,
 // "refused" in the log) instead of running into freed memory.
 //
-// The two lists are never destroyed. A caller that keeps ADLX in a process-wide object
-// terminates it from its own unload; at process exit the loader detaches this library first
-// (it was loaded later), so ADLXTerminate runs after this library's static destructors. A
-// driver used this way must still answer then.
+// The lists go with the library's other statics at its detach; every call that could reach
+// them asks Detached first.
 class Tracked {
 public:
     Tracked() { Live().insert(this); }
@@ -103,13 +110,13 @@ public:
 
     static std::set<Tracked*>& Live()
     {
-        static auto* const live = new std::set<Tracked*>;
-        return *live;
+        static std::set<Tracked*> live;
+        return live;
     }
     static std::deque<Tracked*>& Released()
     {
-        static auto* const released = new std::deque<Tracked*>;
-        return *released;
+        static std::deque<Tracked*> released;
+        return released;
     }
     // Destroys every object, live or released; answers how many were still live.
     static size_t DestroyAll()
@@ -156,6 +163,9 @@ class RefCounted : public Base, public Tracked {
 public:
     long __stdcall Acquire() override
     {
+        if (Detached("Acquire")) {
+            return 0;
+        }
         if (IsReleased()) {
             RefuseReleased("Acquire");
             return 0;
@@ -164,6 +174,9 @@ public:
     }
     long __stdcall Release() override
     {
+        if (Detached("Release")) {
+            return 0;
+        }
         Record record("Release");
         record.Text("interface", InterfaceName()).Int("display", DisplayNumber());
         if (IsReleased()) {
@@ -179,6 +192,9 @@ public:
     }
     Result __stdcall QueryInterface(const wchar_t* interfaceId, void** ppInterface) override
     {
+        if (Detached("QueryInterface")) {
+            return kTerminated;
+        }
         if (IsReleased()) {
             return RefuseReleased("QueryInterface");
         }
@@ -236,6 +252,9 @@ public:
     Result __stdcall ScanType(int* scanType) override { return Give("ScanType", scanType, 0); }
     Result __stdcall GetGPU(void** ppGPU) override
     {
+        if (Detached("GetGPU")) {
+            return kTerminated;
+        }
         if (ppGPU != nullptr) {
             *ppGPU = nullptr;
         }
@@ -252,6 +271,9 @@ private:
     template <class T, class V>
     Result Give(const char* call, T* out, V value)
     {
+        if (Detached(call)) {
+            return kTerminated;
+        }
         if (IsReleased()) {
             return RefuseReleased(call);
         }
@@ -295,24 +317,35 @@ public:
     }
     const char* InterfaceName() const override { return "IADLXDisplayList"; }
 
-    unsigned __stdcall Size() override { return static_cast<unsigned>(m_items.size()); }
-    bool __stdcall Empty() override { return m_items.empty(); }
-    unsigned __stdcall Begin() override { return 0; }
-    unsigned __stdcall End() override { return Size(); }
+    unsigned __stdcall Size() override { return Detached("Size") ? 0 : static_cast<unsigned>(m_items.size()); }
+    bool __stdcall Empty() override { return Detached("Empty") || m_items.empty(); }
+    unsigned __stdcall Begin() override
+    {
+        // 0 either way; a late call is still logged.
+        Detached("Begin");
+        return 0;
+    }
+    unsigned __stdcall End() override { return Detached("End") ? 0 : static_cast<unsigned>(m_items.size()); }
     Result __stdcall At(const unsigned location, Interface** ppItem) override
     {
         Display* display = nullptr;
-        const Result result = Take(location, ppItem != nullptr ? &display : nullptr);
+        const Result result = Take("At", location, ppItem != nullptr ? &display : nullptr);
         if (ppItem != nullptr) {
             *ppItem = display;
         }
         return result;
     }
-    Result __stdcall Clear() override { return kNotSupported; }
-    Result __stdcall Remove_Back() override { return kNotSupported; }
-    Result __stdcall Add_Back(Interface*) override { return kNotSupported; }
-    Result __stdcall AtDisplay(const unsigned location, Display** ppItem) override { return Take(location, ppItem); }
-    Result __stdcall AddBackDisplay(Display*) override { return kNotSupported; }
+    Result __stdcall Clear() override { return Detached("Clear") ? kTerminated : kNotSupported; }
+    Result __stdcall Remove_Back() override { return Detached("Remove_Back") ? kTerminated : kNotSupported; }
+    Result __stdcall Add_Back(Interface*) override { return Detached("Add_Back") ? kTerminated : kNotSupported; }
+    Result __stdcall AtDisplay(const unsigned location, Display** ppItem) override
+    {
+        return Take("AtDisplay", location, ppItem);
+    }
+    Result __stdcall AddBackDisplay(Display*) override
+    {
+        return Detached("AddBackDisplay") ? kTerminated : kNotSupported;
+    }
 
 private:
     // The list lets go of its displays with its last reference.
@@ -323,8 +356,11 @@ private:
         }
     }
 
-    Result Take(unsigned location, Display** ppItem)
+    Result Take(const char* call, unsigned location, Display** ppItem)
     {
+        if (Detached(call)) {
+            return kTerminated;
+        }
         Record record("At");
         record.Int("index", location);
         if (ppItem != nullptr) {
@@ -373,6 +409,9 @@ public:
 
     Result __stdcall IsSupported(bool* supported) override
     {
+        if (Detached("IsSupported")) {
+            return kTerminated;
+        }
         Record record("IsSupported");
         record.Int("display", DisplayNumber());
         const Outcome outcome = Read("IsSupported", supported, [](const rapidjson::Value& display) {
@@ -385,12 +424,18 @@ public:
     }
     Result __stdcall IsEnabled(bool* enabled) override
     {
+        if (Detached("IsEnabled")) {
+            return kTerminated;
+        }
         return Answer("IsEnabled", Read("IsEnabled", enabled, [](const rapidjson::Value& display) {
                           return BoolMember(display, "varibrightEnabled");
                       }));
     }
     Result __stdcall SetEnabled(bool enabled) override
     {
+        if (Detached("SetEnabled")) {
+            return kTerminated;
+        }
         Record record("SetEnabled");
         record.Int("display", DisplayNumber()).Bool("value", enabled);
         return Done(record, Change("SetEnabled", [enabled](rapidjson::Document& state, rapidjson::Value& display) {
@@ -475,6 +520,9 @@ private:
     }
     Result IsMode(const char* function, const char* mode, bool* isCurrent)
     {
+        if (Detached(function)) {
+            return kTerminated;
+        }
         return Answer(function, Read(function, isCurrent, [mode](const rapidjson::Value& display) {
                           return display.HasMember("varibrightMode") && display["varibrightMode"].IsString() &&
                                  std::string(display["varibrightMode"].GetString()) == mode;
@@ -482,6 +530,9 @@ private:
     }
     Result SetMode(const char* function, const char* mode)
     {
+        if (Detached(function)) {
+            return kTerminated;
+        }
         Record record(function);
         record.Int("display", DisplayNumber());
         return Done(record, Change(function, [mode](rapidjson::Document& state, rapidjson::Value& display) {
@@ -497,6 +548,9 @@ public:
 
     Result __stdcall GetNumberOfDisplays(unsigned* numDisplays) override
     {
+        if (Detached("GetNumberOfDisplays")) {
+            return kTerminated;
+        }
         if (IsReleased()) {
             return RefuseReleased("GetNumberOfDisplays");
         }
@@ -510,6 +564,9 @@ public:
     }
     Result __stdcall GetDisplays(DisplayList** ppDisplays) override
     {
+        if (Detached("GetDisplays")) {
+            return kTerminated;
+        }
         Record record("GetDisplays");
         if (IsReleased()) {
             return record.Refused("a released IADLXDisplayServices").Done(kInvalidObject);
@@ -529,24 +586,30 @@ public:
         }
         return record.Done(result);
     }
-    Result __stdcall Get3DLUT(Display*, void** out) override { return None(out); }
-    Result __stdcall GetGamut(Display*, void** out) override { return None(out); }
-    Result __stdcall GetGamma(Display*, void** out) override { return None(out); }
-    Result __stdcall GetDisplayChangedHandling(void** out) override { return None(out); }
-    Result __stdcall GetFreeSync(Display*, void** out) override { return None(out); }
-    Result __stdcall GetVirtualSuperResolution(Display*, void** out) override { return None(out); }
-    Result __stdcall GetGPUScaling(Display*, void** out) override { return None(out); }
-    Result __stdcall GetScalingMode(Display*, void** out) override { return None(out); }
-    Result __stdcall GetIntegerScaling(Display*, void** out) override { return None(out); }
-    Result __stdcall GetColorDepth(Display*, void** out) override { return None(out); }
-    Result __stdcall GetPixelFormat(Display*, void** out) override { return None(out); }
-    Result __stdcall GetCustomColor(Display*, void** out) override { return None(out); }
-    Result __stdcall GetHDCP(Display*, void** out) override { return None(out); }
-    Result __stdcall GetCustomResolution(Display*, void** out) override { return None(out); }
+    Result __stdcall Get3DLUT(Display*, void** out) override { return None("Get3DLUT", out); }
+    Result __stdcall GetGamut(Display*, void** out) override { return None("GetGamut", out); }
+    Result __stdcall GetGamma(Display*, void** out) override { return None("GetGamma", out); }
+    Result __stdcall GetDisplayChangedHandling(void** out) override { return None("GetDisplayChangedHandling", out); }
+    Result __stdcall GetFreeSync(Display*, void** out) override { return None("GetFreeSync", out); }
+    Result __stdcall GetVirtualSuperResolution(Display*, void** out) override
+    {
+        return None("GetVirtualSuperResolution", out);
+    }
+    Result __stdcall GetGPUScaling(Display*, void** out) override { return None("GetGPUScaling", out); }
+    Result __stdcall GetScalingMode(Display*, void** out) override { return None("GetScalingMode", out); }
+    Result __stdcall GetIntegerScaling(Display*, void** out) override { return None("GetIntegerScaling", out); }
+    Result __stdcall GetColorDepth(Display*, void** out) override { return None("GetColorDepth", out); }
+    Result __stdcall GetPixelFormat(Display*, void** out) override { return None("GetPixelFormat", out); }
+    Result __stdcall GetCustomColor(Display*, void** out) override { return None("GetCustomColor", out); }
+    Result __stdcall GetHDCP(Display*, void** out) override { return None("GetHDCP", out); }
+    Result __stdcall GetCustomResolution(Display*, void** out) override { return None("GetCustomResolution", out); }
     // The display must be one this ADLX handed out and the caller still holds; anything else
     // is refused without being called.
     Result __stdcall GetVariBright(Display* pDisplay, DisplayVariBright** ppVariBright) override
     {
+        if (Detached("GetVariBright")) {
+            return kTerminated;
+        }
         Record record("GetVariBright");
         if (ppVariBright != nullptr) {
             *ppVariBright = nullptr;
@@ -575,8 +638,11 @@ public:
 
 private:
     template <class T>
-    static Result None(T** out)
+    static Result None(const char* call, T** out)
     {
+        if (Detached(call)) {
+            return kTerminated;
+        }
         if (out != nullptr) {
             *out = nullptr;
         }
@@ -589,6 +655,9 @@ class FakeSystem final : public System {
 public:
     Result __stdcall HybridGraphicsType(int* hgType) override
     {
+        if (Detached("HybridGraphicsType")) {
+            return kTerminated;
+        }
         if (hgType == nullptr) {
             return Refuse("HybridGraphicsType", kInvalidArgs, "no value to fill");
         }
@@ -597,6 +666,9 @@ public:
     }
     Result __stdcall GetGPUs(void** ppGPUs) override
     {
+        if (Detached("GetGPUs")) {
+            return kTerminated;
+        }
         if (ppGPUs != nullptr) {
             *ppGPUs = nullptr;
         }
@@ -604,6 +676,9 @@ public:
     }
     Result __stdcall QueryInterface(const wchar_t*, void** ppInterface) override
     {
+        if (Detached("QueryInterface")) {
+            return kTerminated;
+        }
         if (ppInterface != nullptr) {
             *ppInterface = nullptr;
         }
@@ -611,6 +686,9 @@ public:
     }
     Result __stdcall GetDisplaysServices(DisplayServices** ppDispServices) override
     {
+        if (Detached("GetDisplaysServices")) {
+            return kTerminated;
+        }
         Record record("GetDisplaysServices");
         if (ppDispServices == nullptr) {
             return record.Refused("no pointer to fill").Done(kInvalidArgs);
@@ -678,6 +756,9 @@ extern "C" {
 
 Result ADLXQueryFullVersion(uint64_t* fullVersion)
 {
+    if (Detached("ADLXQueryFullVersion")) {
+        return kTerminated;
+    }
     Record record("ADLXQueryFullVersion");
     if (fullVersion == nullptr) {
         return record.Refused("no version to fill").Done(kInvalidArgs);
@@ -690,6 +771,9 @@ Result ADLXQueryFullVersion(uint64_t* fullVersion)
 
 Result ADLXQueryVersion(const char** version)
 {
+    if (Detached("ADLXQueryVersion")) {
+        return kTerminated;
+    }
     Record record("ADLXQueryVersion");
     if (version == nullptr) {
         return record.Refused("no version to fill").Done(kInvalidArgs);
@@ -704,6 +788,9 @@ Result ADLXQueryVersion(const char** version)
 Result ADLXInitializeWithCallerAdl(uint64_t version, System** ppSystem, void** ppAdlMapping, void* adlContext,
                                    void (*adlMainMemoryFree)(void**))
 {
+    if (Detached("ADLXInitializeWithCallerAdl")) {
+        return kTerminated;
+    }
     Record record("ADLXInitializeWithCallerAdl");
     if (ppAdlMapping != nullptr) {
         *ppAdlMapping = nullptr;
@@ -723,18 +810,27 @@ Result ADLXInitializeWithCallerAdl(uint64_t version, System** ppSystem, void** p
 
 Result ADLXInitializeWithIncompatibleDriver(uint64_t version, System** ppSystem)
 {
+    if (Detached("ADLXInitializeWithIncompatibleDriver")) {
+        return kTerminated;
+    }
     Record record("ADLXInitializeWithIncompatibleDriver");
     return Initialize(record, "ADLXInitializeWithIncompatibleDriver", version, ppSystem);
 }
 
 Result ADLXInitialize(uint64_t version, System** ppSystem)
 {
+    if (Detached("ADLXInitialize")) {
+        return kTerminated;
+    }
     Record record("ADLXInitialize");
     return Initialize(record, "ADLXInitialize", version, ppSystem);
 }
 
 Result ADLXTerminate()
 {
+    if (Detached("ADLXTerminate")) {
+        return kTerminated;
+    }
     Record record("ADLXTerminate");
     const Result result = WithFaultableState("ADLXTerminate", [](rapidjson::Document&) { return kOk; });
     if (result != kOk) {
@@ -753,6 +849,7 @@ Result ADLXTerminate()
 
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved)
 {
+    LumavenSim::NoteDetach(reason, reserved);
     if (reason == DLL_PROCESS_ATTACH) {
         DisableThreadLibraryCalls(instance);
     }

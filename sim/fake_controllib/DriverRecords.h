@@ -13,6 +13,7 @@ namespace LumavenSim::IntelDriver {
 
 // ctl_result_t values.
 constexpr uint32_t kSuccess = 0x00000000;
+constexpr uint32_t kUninitialized = 0x40000008;
 constexpr uint32_t kUnsupportedVersion = 0x40000009;
 constexpr uint32_t kUnsupportedFeature = 0x4000000A;
 constexpr uint32_t kInvalidArgument = 0x4000000B;

@@ -15,6 +15,7 @@
 // loaded and unloaded on every command.
 #include "intel/ControlLibFunctions.h"
 
+#include "DetachGuard.h"
 #include "DriverRecords.h"
 #include "IntelState.h"
 #include "RecordChecks.h"
@@ -585,6 +586,9 @@ ctl_result_t Act(Tag<Fn::ctlSetPowerOptimizationSetting>, Call& call, Document& 
 template <Fn id, class... Args>
 ctl_result_t Serve(const char* function, Args... args)
 {
+    if (LumavenSim::RefusedAfterDetach("ControlLib", function, Driver::kUninitialized)) {
+        return static_cast<ctl_result_t>(Driver::kUninitialized);
+    }
     Call call(function);
     (Encode(call, args), ...);
     ctl_result_t result = Result(Driver::kSuccess);
@@ -608,9 +612,11 @@ LUMAVEN_CTL_FUNCTIONS(LUMAVEN_FAKE_DEFINE, LUMAVEN_FAKE_DEFINE)
 #undef LUMAVEN_FAKE_DEFINE
 
 // Counts loads and unloads, so tests can tell how often the service loaded the library. An
-// unload at process exit is not the service's doing and is not counted.
+// unload at process exit is not the service's doing and is not counted. After either kind of
+// detach every call is refused.
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID reserved)
 {
+    LumavenSim::NoteDetach(reason, reserved);
     if (reason == DLL_PROCESS_ATTACH || (reason == DLL_PROCESS_DETACH && reserved == nullptr)) {
         LumavenSim::WithState([reason](Document& state) {
             Intel::IncrementCounter(state, reason == DLL_PROCESS_ATTACH ? "loads" : "unloads");

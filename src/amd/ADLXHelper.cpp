@@ -2,6 +2,8 @@
 
 #include "util/ProcAddress.h"
 
+#include <utility>
+
 namespace {
 
 constexpr wchar_t kAdlxLibrary[] = L"amdadlx64.dll";
@@ -22,7 +24,27 @@ constinit ADLXHelper g_ADLXHelp;
 
 ADLXHelper::~ADLXHelper()
 {
+    // At process exit the loader has already detached ADLX, which was loaded after this module:
+    // ADLXTerminate and FreeLibrary would run in a library whose state is gone. Nothing is left
+    // to give back to a process that is ending.
+    if (Xelto::Spanlet::Server::Services::Lumaven::ProcessIsEnding()) {
+        // Deliberately not freed: the library is unmapped with the process.
+        (void)Forget().release();
+        return;
+    }
     Terminate();
+}
+
+LumavenUtil::UniqueModule ADLXHelper::Forget()
+{
+    m_ADLXFullVersion = 0;
+    m_ADLXVersion = nullptr;
+    m_pSystemServices = nullptr;
+    m_pAdlMapping = nullptr;
+#define LUMAVEN_ADLX_CLEAR(member, type, name) member = nullptr;
+    LUMAVEN_ADLX_ENTRY_POINTS(LUMAVEN_ADLX_CLEAR)
+#undef LUMAVEN_ADLX_CLEAR
+    return std::move(m_hDLLHandle);
 }
 
 ADLX_RESULT ADLXHelper::Initialize()
@@ -56,15 +78,9 @@ ADLX_RESULT ADLXHelper::Terminate()
     if (!m_hDLLHandle) {
         return ADLX_OK;
     }
-    m_ADLXFullVersion = 0;
-    m_ADLXVersion = nullptr;
-    m_pSystemServices = nullptr;
-    m_pAdlMapping = nullptr;
     const ADLX_RESULT result = m_terminateFn != nullptr ? m_terminateFn() : ADLX_OK;
-#define LUMAVEN_ADLX_CLEAR(member, type, name) member = nullptr;
-    LUMAVEN_ADLX_ENTRY_POINTS(LUMAVEN_ADLX_CLEAR)
-#undef LUMAVEN_ADLX_CLEAR
-    m_hDLLHandle.reset();
+    // Freed on return, once nothing bound from it is left.
+    const LumavenUtil::UniqueModule module = Forget();
     return result;
 }
 

@@ -1,11 +1,13 @@
 // ADLX ("amdadlx64.dll") for the whole process: one helper that loads, initialises and
 // terminates it, and the display services and first display that the VariBright operations
 // use. Unlike ADL, ADLX stays loaded between commands, until the display services cannot
-// be had or the module unloads. Nothing here is locked: the service's m_adlxMutex
-// serialises every user.
+// be had or the module unloads (but not when the process ends: see ~ADLXHelper). Nothing here
+// is locked: the service's m_adlxMutex serialises every user.
 #pragma once
 
 #include "amd/AdlxTypes.h"
+
+#include "service/ModuleLifetime.h"
 
 #include "util/UniqueHandles.h"
 
@@ -28,7 +30,8 @@
 class ADLXHelper {
 public:
     constexpr ADLXHelper() = default;
-    // Terminates ADLX, so the process-wide instance releases the library at module unload.
+    // Terminates ADLX, so the process-wide instance releases the library when the host unloads
+    // the service. When the process is ending it leaves ADLX alone instead.
     virtual ~ADLXHelper();
     ADLXHelper(const ADLXHelper&) = delete;
     ADLXHelper& operator=(const ADLXHelper&) = delete;
@@ -48,6 +51,9 @@ public:
     uint64_t LoadCount() const { return m_loads; }
 
 private:
+    // Clears everything bound from the library, without calling it, and hands its module over.
+    LumavenUtil::UniqueModule Forget();
+
     LumavenUtil::UniqueModule m_hDLLHandle;
     adlx_uint64 m_ADLXFullVersion = 0;
     const char* m_ADLXVersion = nullptr;  // owned by ADLX
@@ -72,7 +78,15 @@ template <class Interface>
 class AdlxInterfacePtr {
 public:
     constexpr AdlxInterfacePtr() = default;
-    ~AdlxInterfacePtr() { reset(); }
+    // The process-wide pointers are destroyed after g_ADLXHelp. When the process is ending,
+    // ADLX is already detached and the reference goes with the process. That is asked here
+    // and not read from the helper, which is no longer alive then.
+    ~AdlxInterfacePtr()
+    {
+        if (!Xelto::Spanlet::Server::Services::Lumaven::ProcessIsEnding()) {
+            reset();
+        }
+    }
     AdlxInterfacePtr(const AdlxInterfacePtr&) = delete;
     AdlxInterfacePtr& operator=(const AdlxInterfacePtr&) = delete;
 
@@ -107,7 +121,8 @@ private:
 
 // The display services and the first display of the most recent successful
 // InitializeAdlxDisplay; empty until then. Both are kept across commands; at module unload
-// they outlive g_ADLXHelp, so ADLX is terminated with them still held.
+// they outlive g_ADLXHelp, so ADLX is terminated (or, at process exit, left alone) with them
+// still held, and they are dropped without a Release.
 extern AdlxInterfacePtr<adlx::IADLXDisplayServices> adlxDisplayServices;
 extern AdlxInterfacePtr<adlx::IADLXDisplay> adlxDisplay;
 

@@ -2,6 +2,8 @@
 
 #include "amd/AdlTypes.h"
 
+#include "service/ModuleLifetime.h"
+
 #include "util/ProcAddress.h"
 #include "util/UniqueHandles.h"
 
@@ -47,10 +49,26 @@ using UniqueAdlContext = std::unique_ptr<void, AdlContextDestroyer>;
 
 // What one WriteAuxDataAmd call holds of ADL. It is process-wide so that a call that stops
 // early (which leaves the library loaded and its context alive) can still be released later,
-// by the next call, by the service's destructor or, failing both, at module unload. The
-// owners are declared in the order they are taken, so they are given back in reverse: the
-// buffers, then the context, then the library.
+// by the next call, by the service's destructor or, failing both, when the host unloads the
+// service. The owners are declared in the order they are taken, so they are given back in
+// reverse: the buffers, then the context, then the library.
 struct AdlBinding {
+    AdlBinding() = default;
+    AdlBinding(const AdlBinding&) = delete;
+    AdlBinding& operator=(const AdlBinding&) = delete;
+    AdlBinding(AdlBinding&&) = default;
+    AdlBinding& operator=(AdlBinding&&) = default;
+    // When the process is ending, ADL (loaded after this module) is already detached: the
+    // context is not destroyed through it and the library is not freed; both go with the
+    // process. The buffers are the service's own and are freed as always.
+    ~AdlBinding()
+    {
+        if (ProcessIsEnding()) {
+            (void)context.release();
+            (void)module.release();
+        }
+    }
+
     LumavenUtil::UniqueModule module;
     // Bound from `module`; valid while it is loaded.
 #define LUMAVEN_ADL_MEMBER(name, type, required) Adl::type name = nullptr;

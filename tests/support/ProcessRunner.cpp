@@ -2,6 +2,8 @@
 
 #include "SimMachine.h"
 
+#include <gtest/gtest.h>
+
 #include <windows.h>
 
 #include <vector>
@@ -10,7 +12,11 @@ namespace LumavenTest {
 
 ProcessResult RunProgram(const std::wstring& commandLine)
 {
-    return RunProgramIn(ExecutableDirectory(), L"", commandLine);
+    ProcessResult result = RunProgramIn(ExecutableDirectory(), L"", commandLine);
+    for (const std::string& call : CallsAfterDetach()) {
+        ADD_FAILURE() << "a call reached a vendor library after its detach: " << call << "\n" << result.output;
+    }
+    return result;
 }
 
 ProcessResult RunProgramIn(const std::wstring& directory, const std::wstring& program, const std::wstring& commandLine)

@@ -12,6 +12,8 @@ struct ProcessResult {
 };
 
 // `commandLine` is the full command line; the program is looked up in the test's directory.
+// A program that called into a simulated vendor library after the loader had detached it (at
+// its exit) fails the calling test: the driver logged the call as refused.
 ProcessResult RunProgram(const std::wstring& commandLine);
 // Runs `program` (a full path) with `commandLine` as its whole command line (the program's
 // name first, as a shell passes it), in `directory`.

@@ -1,5 +1,6 @@
 #include "SimMachine.h"
 
+#include "DetachGuard.h"
 #include "Installer.h"
 #include "SimState.h"
 
@@ -52,6 +53,21 @@ std::vector<rapidjson::Document> Transactions()
         records.push_back(std::move(record));
     }
     return records;
+}
+
+std::vector<std::string> CallsAfterDetach()
+{
+    std::vector<std::string> calls;
+    for (const std::string& text : LumavenSim::ReadTransactions()) {
+        rapidjson::Document record;
+        record.Parse(text.c_str());
+        if (!record.HasParseError() && record.IsObject() && record.HasMember("refused") &&
+            record["refused"].IsString() &&
+            std::string(record["refused"].GetString()).rfind(LumavenSim::kAfterDetach, 0) == 0) {
+            calls.push_back(text);
+        }
+    }
+    return calls;
 }
 
 }  // namespace LumavenTest

@@ -22,4 +22,9 @@ std::wstring ExecutableDirectory();
 // The fake drivers' transaction log as parsed JSON records.
 std::vector<rapidjson::Document> Transactions();
 
+// The records of calls a fake driver refused because they reached it after its own
+// DLL_PROCESS_DETACH, as compact JSON texts. Any such record is a failure: it can only come
+// from a process that called into a vendor library the loader had already detached.
+std::vector<std::string> CallsAfterDetach();
+
 }  // namespace LumavenTest

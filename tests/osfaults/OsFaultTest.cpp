@@ -118,7 +118,9 @@ public:
         m_patch = std::make_unique<PatchedImports>(m_module);
         SkipWaits();
         FailNthAllocation(1);
-        { const HostedService failed(false); }
+        {
+            const HostedService failed(false);
+        }
         FailNthAllocation(0);
         const HostedService created(false);
     }
@@ -261,8 +263,8 @@ std::string RowName(const ::testing::TestParamInfo<size_t>& info)
 {
     const OsFaultRow& row = OsFaultTable()[info.param];
     std::string name = std::to_string(info.param) + "_" + row.function;
-    std::replace_if(name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); },
-                    '_');
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
     return name;
 }
 

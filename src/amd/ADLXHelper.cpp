@@ -1,5 +1,6 @@
 #include "amd/ADLXHelper.h"
 
+#include "service/ModuleLifetime.h"
 #include "util/ProcAddress.h"
 
 #include <utility>
@@ -30,9 +31,17 @@ ADLXHelper::~ADLXHelper()
     if (Xelto::Spanlet::Server::Services::Lumaven::ProcessIsEnding()) {
         // Deliberately not freed: the library is unmapped with the process.
         (void)Forget().release();
-        return;
+    } else {
+        Terminate();
     }
-    Terminate();
+    if (this == &g_ADLXHelp) {
+        // The process-wide pointers are destroyed after this helper, and what they hold went
+        // with the ADLX just left. They let go of it here, while the helper that tells which
+        // load they came from is still alive; asked after its destruction, it could answer
+        // with whatever its storage still holds.
+        adlxDisplayServices.drop();
+        adlxDisplay.drop();
+    }
 }
 
 LumavenUtil::UniqueModule ADLXHelper::Forget()

@@ -7,8 +7,6 @@
 
 #include "amd/AdlxTypes.h"
 
-#include "service/ModuleLifetime.h"
-
 #include "util/UniqueHandles.h"
 
 #include <windows.h>
@@ -78,15 +76,9 @@ template <class Interface>
 class AdlxInterfacePtr {
 public:
     constexpr AdlxInterfacePtr() = default;
-    // The process-wide pointers are destroyed after g_ADLXHelp. When the process is ending,
-    // ADLX is already detached and the reference goes with the process. That is asked here
-    // and not read from the helper, which is no longer alive then.
-    ~AdlxInterfacePtr()
-    {
-        if (!Xelto::Spanlet::Server::Services::Lumaven::ProcessIsEnding()) {
-            reset();
-        }
-    }
+    // The process-wide pointers are destroyed after g_ADLXHelp, whose destructor has dropped
+    // them already: they never ask a helper that is no longer alive.
+    ~AdlxInterfacePtr() { reset(); }
     AdlxInterfacePtr(const AdlxInterfacePtr&) = delete;
     AdlxInterfacePtr& operator=(const AdlxInterfacePtr&) = delete;
 
@@ -105,6 +97,8 @@ public:
         }
         m_interface = nullptr;
     }
+    // Lets go of the reference without a Release: the ADLX that handed it out is gone.
+    void drop() { m_interface = nullptr; }
     // Gives back the reference held and hands out the slot for an ADLX call that returns a
     // new one, which then belongs to the current load.
     Interface** put()

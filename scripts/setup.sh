@@ -6,10 +6,10 @@ set -e
 # clang-format-14: scripts/format.sh, pinned because each release lays code out differently.
 # The release: python3 with python3-pefile (scripts/package.py and the release tests' binary
 # check, SBOM and notices checks), osslsigncode and openssl (signing and its test), unzip
-# (the guide's walkthrough).
+# (the guide's walkthrough). gcovr: the coverage report (scripts/coverage.sh).
 packages="g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 cmake ninja-build rapidjson-dev googletest
           clang-22 lld-22 clang-tidy-14 clang-format-14
-          python3 python3-pefile osslsigncode openssl unzip"
+          python3 python3-pefile osslsigncode openssl unzip gcovr"
 missing=""
 for package in $packages; do
   if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then

@@ -1,9 +1,11 @@
 #!/bin/sh
 # The README's test command and CI's (.ci/run): builds everything with both compilers, GCC
 # into build/ and Clang with LLD into build-clang/, with warnings as errors, and a GCC Debug
-# build with the libraries' assertions on into build-debug/; runs every suite under Wine
-# against the two release builds, and the unit, scenario, fault, OS-fault and request-fuzz
-# suites against the Debug build; runs the mixed pair (scripts/mixed-pair.sh: each compiler's
+# build with the libraries' assertions on and gcov's counters into build-debug/; runs every
+# suite under Wine against the two release builds, and the unit, scenario, fault, OS-fault
+# and request-fuzz suites against the Debug build, whose coverage of the service and the
+# logging library may not fall below scripts/coverage-floor.txt (scripts/coverage.sh); runs
+# the mixed pair (scripts/mixed-pair.sh: each compiler's
 # host with the other's service), clang-tidy (scripts/tidy.sh), the RapidJSON policy check
 # (scripts/check-rapidjson.sh) and the format check (scripts/format.sh --check).
 #
@@ -64,9 +66,9 @@ gcc_lane() {
     skipped 1 "suites GCC"
   fi
   if stage 1 "build Debug" scripts/build.sh debug -DLUMAVEN_WARNINGS_AS_ERRORS=ON; then
-    stage 1 "suites Debug" env $debug_reliability ctest --preset debug "$@"
+    stage 1 "suites Debug, coverage" env $debug_reliability scripts/coverage.sh "$@"
   else
-    skipped 1 "suites Debug"
+    skipped 1 "suites Debug, coverage"
   fi
 }
 clang_lane() {

@@ -183,6 +183,11 @@ const Unhooked kUnhooked[] = {
      {"_exit", "_open", "_write"},
      "the stack protector's report of an overwritten guard (libssp): it writes the message and ends the "
      "process, and is reached only when a stack buffer has been overrun"},
+    {"msvcrt.dll",
+     {"_access", "_fdopen", "_getpid", "_locking", "_mkdir", "atoi", "fclose", "fopen", "fread", "fseek", "strcat",
+      "strchr"},
+     "gcov's runtime in the Debug tree (built with --coverage): it writes the counters into their files as the "
+     "DLL unloads; the service's own code calls none"},
     {"XeltoLog.dll",
      {"_ZN10LogManager11SetProviderEPKc", "_ZN10LogManager9GetLoggerEv", "_ZN11TraceLogger10LogWarningE11LoggingDataz",
       "_ZN11TraceLogger7LogInfoEPKwz", "_ZN11TraceLogger8LogErrorE11LoggingDataz", "_ZN11TraceLogger8LogErrorEPKcz",

@@ -10,15 +10,11 @@
 #include <cstring>
 #include <map>
 #include <mutex>
-#include <set>
 #include <type_traits>
 
 namespace LumavenOsFaults {
 
-Hook::Hook(const char* library, const char* function, bool canFail)
-    : m_library(library), m_function(function), m_canFail(canFail)
-{
-}
+Hook::Hook(const char* library, const char* function) : m_library(library), m_function(function) {}
 
 void Hook::Arm(const Failure& failure)
 {
@@ -88,7 +84,7 @@ struct Import;
 
 template <Name library, Name function, class R, class... A>
 struct Import<library, function, R (*)(A...)> {
-    static inline Hook hook{library.text, function.text, !std::is_void_v<R>};
+    static inline Hook hook{library.text, function.text};
 
     static R Call(A... arguments)
     {
@@ -424,10 +420,10 @@ constexpr MethodTable kServicesTable{26, 20};    // IWbemServices: ExecQuery
 constexpr MethodTable kEnumeratorTable{8, 4};    // IEnumWbemClassObject: Next
 constexpr MethodTable kClassObjectTable{27, 4};  // IWbemClassObject: Get
 
-Hook g_connectServer{"ole32.dll", "IWbemLocator::ConnectServer", true};
-Hook g_execQuery{"ole32.dll", "IWbemServices::ExecQuery", true};
-Hook g_next{"ole32.dll", "IEnumWbemClassObject::Next", true};
-Hook g_get{"ole32.dll", "IWbemClassObject::Get", true};
+Hook g_connectServer{"ole32.dll", "IWbemLocator::ConnectServer"};
+Hook g_execQuery{"ole32.dll", "IWbemServices::ExecQuery"};
+Hook g_next{"ole32.dll", "IEnumWbemClassObject::Next"};
+Hook g_get{"ole32.dll", "IWbemClassObject::Get"};
 
 void ReplaceMethod(void* object, const MethodTable& layout, Hook& hook)
 {
@@ -620,6 +616,11 @@ void DisarmAll()
     FailNthAllocation(0);
     AnswerStringPropertiesAsArrays(false);
     AnswerClassGuidCount(0);
+}
+
+void SkipWaits()
+{
+    FindHook("Sleep")->Arm(Failure{1, true, 0, 0});
 }
 
 void AnswerStringPropertiesAsArrays(bool on)

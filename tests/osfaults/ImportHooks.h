@@ -28,15 +28,12 @@ struct Failure {
 // fail and whose calls it can count.
 class Hook {
 public:
-    Hook(const char* library, const char* function, bool canFail);
+    Hook(const char* library, const char* function);
     Hook(const Hook&) = delete;
     Hook& operator=(const Hook&) = delete;
 
     const char* Library() const { return m_library; }
     const char* Function() const { return m_function; }
-    // Functions that return nothing cannot report a failure: armed, such a call is skipped
-    // (Sleep returns at once), which is no failure of the function.
-    bool CanFail() const { return m_canFail; }
 
     void Arm(const Failure& failure);
     void Disarm();
@@ -56,7 +53,6 @@ public:
 private:
     const char* m_library;
     const char* m_function;
-    bool m_canFail;
     bool m_armed = false;
     Failure m_failure;
     int m_calls = 0;
@@ -69,6 +65,9 @@ const std::vector<Hook*>& AllHooks();
 // "IWbemServices::ExecQuery"); null when there is none.
 Hook* FindHook(const std::string& function);
 void DisarmAll();
+// A function that returns nothing cannot report a failure: armed, such a call is skipped. This
+// arms Sleep so, and the display-on re-write does not wait its half second for the panel.
+void SkipWaits();
 
 // The DLL's allocation functions as one sequence: malloc, calloc, realloc, _strdup and
 // SysAllocStringLen count towards it, and the nth of them fails (each as its own function

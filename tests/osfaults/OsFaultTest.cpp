@@ -142,9 +142,6 @@ public:
         DisarmAll();
     }
 
-    // The display-on re-write's half-second wait for the panel is skipped.
-    static void SkipWaits() { FindHook("Sleep")->Arm(Failure{1, true, 0, 0}); }
-
 private:
     HMODULE m_module = nullptr;
     std::unique_ptr<PatchedImports> m_patch;
@@ -215,7 +212,7 @@ TEST_P(OsFaults, RowHolds)
     const int failures = hook->Failed();
     const int partnerCalls = partner != nullptr ? partner->Calls() : 0;
     DisarmAll();
-    LoadedDll::SkipWaits();
+    SkipWaits();
 
     EXPECT_GT(calls, 0) << row.function << " was not called";
     if (fails) {

@@ -141,7 +141,7 @@ protected:
         ASSERT_NE(m_module, nullptr);
         m_patch = std::make_unique<PatchedImports>(m_module);
         // The display-on re-write waits half a second for the panel; the loops do not.
-        FindHook("Sleep")->Arm(Failure{1, true, 0, 0});
+        SkipWaits();
         // The first exception thrown on a thread gives the runtime its per-thread blocks
         // (exception globals, thread-local storage), kept until the thread ends: one failed
         // factory call here makes them before any figure is taken.

@@ -4,7 +4,7 @@
 // the median ratio of the paired rounds.
 #pragma once
 
-#include "ServiceHost.h"
+#include "XeltoClient.h"
 
 #include <string>
 
@@ -12,6 +12,6 @@ namespace XeltoHost {
 
 // `only`, when not empty, picks the rows whose name starts with it and a blank: a command
 // number, "event" or "start-up".
-int RunBench(ServiceHost& host, unsigned rounds, const std::wstring& only);
+int RunBench(XeltoClient::LoadedService& host, unsigned rounds, const std::wstring& only);
 
 }  // namespace XeltoHost

@@ -4,7 +4,6 @@
 #include "CommandNames.h"
 #include "FileVersion.h"
 #include "Report.h"
-#include "ServiceHost.h"
 
 #include "xelto/LogSink.h"
 
@@ -19,7 +18,7 @@
 
 namespace {
 
-using XeltoHost::ServiceHost;
+using XeltoClient::LoadedService;
 
 constexpr int kExitOk = 0;
 constexpr int kExitUsage = 2;
@@ -110,10 +109,10 @@ std::wstring Trim(const std::wstring& text)
 }
 
 // One action: the words of a command line or of a script line.
-int RunAction(ServiceHost& host, const std::wstring& verb, const std::wstring& target, const std::wstring& extra)
+int RunAction(LoadedService& host, const std::wstring& verb, const std::wstring& target, const std::wstring& extra)
 {
     if (verb == L"run") {
-        const auto command = XeltoHost::ParseCommand(target);
+        const auto command = XeltoClient::ParseCommand(target);
         if (!command) {
             std::fprintf(stderr, "xelto-host: unknown command '%ls'\n", target.c_str());
             return kExitUsage;
@@ -123,15 +122,15 @@ int RunAction(ServiceHost& host, const std::wstring& verb, const std::wstring& t
             std::fprintf(stderr, "xelto-host: cannot read the request file '%ls'\n", extra.c_str() + 1);
             return kExitUsage;
         }
-        const XeltoHost::CommandOutcome outcome = host.Run(*command, request.c_str());
-        std::printf("command %u %s: %s (0x%08X) %ls\n", *command, XeltoHost::CommandName(*command),
-                    XeltoHost::StatusName(outcome.status), outcome.status,
+        const XeltoClient::Reply outcome = host.Run(*command, request.c_str());
+        std::printf("command %u %s: %s (0x%08X) %ls\n", *command, XeltoClient::CommandName(*command),
+                    XeltoClient::StatusName(outcome.status), outcome.status,
                     outcome.hasResponse ? outcome.response.c_str() : L"(no response)");
         std::fflush(stdout);
         return kExitOk;
     }
     if (verb == L"event") {
-        const auto event = XeltoHost::ParsePowerEvent(target);
+        const auto event = XeltoClient::ParsePowerEvent(target);
         if (!event) {
             std::fprintf(stderr, "xelto-host: unknown event '%ls'\n", target.c_str());
             return kExitUsage;
@@ -145,7 +144,7 @@ int RunAction(ServiceHost& host, const std::wstring& verb, const std::wstring& t
     return kExitUsage;
 }
 
-int RunScript(ServiceHost& host, const std::wstring& path)
+int RunScript(LoadedService& host, const std::wstring& path)
 {
     std::wstring text;
     if (!ReadFileText(path, text)) {
@@ -224,9 +223,10 @@ int wmain(int argc, wchar_t** argv)
         Xelto::Logging::SetSink(&PrintLogLine, nullptr);
     }
 
-    ServiceHost host;
+    // The DLL stays loaded to the host's end, as the Xelto host keeps it.
+    LoadedService host;
     std::string reason;
-    if (!host.Create(dllPath, reason)) {
+    if (!host.Create(dllPath, reason, LoadedService::AtEnd::KeepLoaded)) {
         std::fprintf(stderr, "xelto-host: %s\n", reason.c_str());
         return kExitUnavailable;
     }

@@ -1,7 +1,7 @@
 // ExecuteCommand: argument checks, parsing, the command table, unsupported numbers, the
 // response text and its cap.
 #include "LogCapture.h"
-#include "ServiceCall.h"
+#include "XeltoClient.h"
 #include "SimMachine.h"
 
 #include "service/LumavenService.h"
@@ -13,8 +13,8 @@
 
 using namespace Xelto::Spanlet::Server::Services;
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
-using LumavenTest::Call;
 using LumavenTest::LogCapture;
+using XeltoClient::RunCommand;
 
 namespace {
 
@@ -76,7 +76,7 @@ TEST(ExecuteCommand, CommandsOutsideOneToFourteenAreUnsupportedWithAnEmptyRespon
     LumavenService service;
     for (const uint32_t command : {0u, 15u, 0xFFFFFFFFu}) {
         LogCapture capture;
-        const auto result = Call(service, command, L"{\"BValue\":true}", 99);
+        const auto result = RunCommand(service, command, L"{\"BValue\":true}", 99);
         EXPECT_EQ(result.status, StatusUnsupportedCommand) << command;
         EXPECT_TRUE(result.hasResponse);
         EXPECT_EQ(result.response, L"{}");
@@ -110,7 +110,7 @@ TEST(ExecuteCommand, AnyOneJsonValueIsAValidRequest)
     LumavenTest::InstallProfile(LumavenTest::MonitorsProfile({"4C837441"}));
     LumavenService service;
     for (const wchar_t* request : {L"[]", L"  {}  ", L"\n[1,2,{\"a\":null}]\t", L"\"text\"", L"42", L"null"}) {
-        const auto result = Call(service, 4, request);
+        const auto result = RunCommand(service, 4, request);
         EXPECT_EQ(result.status, StatusSuccess) << request;
         EXPECT_EQ(result.response, L"{\"result\":true}") << request;
     }
@@ -120,15 +120,15 @@ TEST(ExecuteCommand, DeeplyNestedRequestsParseWithoutExhaustingTheStack)
 {
     LumavenService service;
     const std::wstring deep = std::wstring(200000, L'[') + std::wstring(200000, L']');
-    EXPECT_EQ(Call(service, 15, deep.c_str()).status, StatusUnsupportedCommand);
+    EXPECT_EQ(RunCommand(service, 15, deep.c_str()).status, StatusUnsupportedCommand);
     const std::wstring unbalanced = std::wstring(200000, L'[');
-    EXPECT_EQ(Call(service, 15, unbalanced.c_str()).status, StatusInvalidRequest);
+    EXPECT_EQ(RunCommand(service, 15, unbalanced.c_str()).status, StatusInvalidRequest);
 }
 
 TEST(ExecuteCommand, CommandNineWithoutElpSetterIsInvalidWithAnEmptyResponse)
 {
     LumavenService service;
-    const auto result = Call(service, 9, L"{\"BValue\":true}");
+    const auto result = RunCommand(service, 9, L"{\"BValue\":true}");
     EXPECT_EQ(result.status, StatusInvalidArgument);
     EXPECT_EQ(result.response, L"{}");
 }

@@ -2,9 +2,8 @@
 // event path, on the service object itself.
 #include "AdlSimSupport.h"
 #include "LogCapture.h"
-#include "PowerSettings.h"
+#include "XeltoClient.h"
 #include "Registry.h"
-#include "ServiceCall.h"
 #include "SimMachine.h"
 
 #include "amd/ADLXHelper.h"
@@ -18,10 +17,10 @@
 #include <thread>
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
-using LumavenTest::Call;
-using LumavenTest::kConsoleDisplayState;
-using LumavenTest::kLidSwitchStateChange;
 using LumavenTest::LogCapture;
+using XeltoClient::kConsoleDisplayState;
+using XeltoClient::kLidSwitchStateChange;
+using XeltoClient::RunCommand;
 
 namespace {
 
@@ -58,13 +57,10 @@ protected:
         return service;
     }
 
-    static uint32_t Event(LumavenService& service, const GUID& setting, uint8_t data)
+    static uint32_t Event(LumavenService& service, const GUID& setting, DWORD data)
     {
-        POWERBROADCAST_SETTING record{};
-        record.PowerSetting = setting;
-        record.DataLength = 4;
-        record.Data[0] = data;
-        return service.OledEventCalled(&record);
+        const XeltoClient::PowerSettingRecord record = XeltoClient::MakePowerSetting(setting, data);
+        return service.OledEventCalled(&record.header);
     }
 };
 
@@ -101,10 +97,10 @@ TEST_F(OledFeature, StartupOnAnotherVendorChoosesNoSetter)
     EXPECT_NE(service->m_auxData, nullptr);
     EXPECT_EQ(service->m_setElp, nullptr);
     EXPECT_EQ(g_auxData, nullptr);
-    const auto elp = Call(*service, 9, L"{\"BValue\":true}");
+    const auto elp = RunCommand(*service, 9, L"{\"BValue\":true}");
     EXPECT_EQ(elp.status, StatusInvalidArgument);
     EXPECT_EQ(elp.response, L"{}") << "no setter, so nothing answers";
-    EXPECT_EQ(Call(*service, 10).response, L"{\"result\":false}");
+    EXPECT_EQ(RunCommand(*service, 10).response, L"{\"result\":false}");
 }
 
 TEST_F(OledFeature, UnsupportedPanelStillGetsTheTable)
@@ -113,7 +109,7 @@ TEST_F(OledFeature, UnsupportedPanelStillGetsTheTable)
     EXPECT_EQ(service->m_panelId, 0u);
     ASSERT_NE(service->m_auxData, nullptr);
     EXPECT_EQ(service->m_auxData->count({0, true}), 0u);
-    EXPECT_EQ(Call(*service, 9, L"{\"BValue\":true}").status, StatusDeviceError);
+    EXPECT_EQ(RunCommand(*service, 9, L"{\"BValue\":true}").status, StatusDeviceError);
 }
 
 TEST_F(OledFeature, ElpSettersRefuseMalformedRequests)
@@ -125,7 +121,7 @@ TEST_F(OledFeature, ElpSettersRefuseMalformedRequests)
         LogCapture capture;
         EXPECT_EQ((service.get()->*service->m_setElp)(nullptr, &response, 1, 0), StatusInvalidArgument);
         EXPECT_TRUE(capture.Texts().empty()) << "a null request is refused silently";
-        const auto result = Call(*service, 9, L"{\"BValue\":null}");
+        const auto result = RunCommand(*service, 9, L"{\"BValue\":null}");
         EXPECT_EQ(result.status, StatusInvalidArgument);
         EXPECT_EQ(result.response, L"{}");
         const std::wstring line = std::string(gpu) == kIntelGpu ? L"SetIntelElp() check data failed\n\n"
@@ -138,7 +134,7 @@ TEST_F(OledFeature, ElpSettersWithoutASupportedPanelAreDeviceErrors)
 {
     for (const char* gpu : {kIntelGpu, kAmdGpu}) {
         auto service = Started(Profile("10ACF540", gpu, R"({"dxgi.dll":"dxgi.dll"})"));
-        const auto result = Call(*service, 9, L"{\"BValue\":true}");
+        const auto result = RunCommand(*service, 9, L"{\"BValue\":true}");
         EXPECT_EQ(result.status, StatusDeviceError) << gpu;
         EXPECT_EQ(result.response, L"{}") << gpu;
     }
@@ -149,7 +145,7 @@ TEST_F(OledFeature, AmdPanelInTheTableForOneFlagOnlyRefusesTheOther)
     auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
     ASSERT_EQ(service->m_auxData->erase({0x416C834C, true}), 1u);
     LumavenTest::SetOledDword(0);
-    const auto on = Call(*service, 9, L"{\"BValue\":true}");
+    const auto on = RunCommand(*service, 9, L"{\"BValue\":true}");
     EXPECT_EQ(on.status, StatusDeviceError);
     EXPECT_EQ(on.response, L"{}");
     EXPECT_EQ(service->m_auxData->count({0x416C834C, true}), 0u) << "the look-up adds no entry";
@@ -157,7 +153,7 @@ TEST_F(OledFeature, AmdPanelInTheTableForOneFlagOnlyRefusesTheOther)
     EXPECT_EQ(LumavenTest::OledDword(), 0u);
 
     LumavenTest::SetOledDword(1);
-    const auto off = Call(*service, 9, L"{\"BValue\":false}");
+    const auto off = RunCommand(*service, 9, L"{\"BValue\":false}");
     EXPECT_EQ(off.status, StatusSuccess);
     EXPECT_EQ(off.response, L"{\"result\":true}");
     EXPECT_EQ(LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(), 5u);
@@ -168,10 +164,10 @@ TEST_F(OledFeature, IntelSupportQueryCountsAFailingOpstQueryAsSupported)
 {
     // No control library: the OPST query fails, adds nothing, and counts as supported.
     auto service = Started(Profile("10ACF540", kIntelGpu, R"({"dxgi.dll":"dxgi.dll"})"));
-    const auto result = Call(*service, 10);
+    const auto result = RunCommand(*service, 10);
     EXPECT_EQ(result.status, StatusSuccess);
     EXPECT_EQ(result.response, L"{\"result\":true}");
-    EXPECT_EQ(Call(*service, 4).response, L"{\"result\":false}");
+    EXPECT_EQ(RunCommand(*service, 4).response, L"{\"result\":false}");
 }
 
 TEST_F(OledFeature, IntelSupportQueryWithoutASupportedPanelIsFalse)
@@ -179,8 +175,8 @@ TEST_F(OledFeature, IntelSupportQueryWithoutASupportedPanelIsFalse)
     auto service =
         Started(Profile("10ACF540", kIntelGpu, R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"})",
                         R"(,"intel":{"adapters":[{"outputs":[{"attached":true,"opstSupported":true}]}]})"));
-    EXPECT_EQ(Call(*service, 10).response, L"{\"result\":true,\"result\":false}");
-    EXPECT_EQ(Call(*service, 4).response, L"{\"result\":false}");
+    EXPECT_EQ(RunCommand(*service, 10).response, L"{\"result\":true,\"result\":false}");
+    EXPECT_EQ(RunCommand(*service, 4).response, L"{\"result\":false}");
 }
 
 TEST_F(OledFeature, IntelPowerSaveOnSkipsEdWhenOpstFails)
@@ -190,7 +186,7 @@ TEST_F(OledFeature, IntelPowerSaveOnSkipsEdWhenOpstFails)
                         R"(,"intel":{"adapters":[{"outputs":[{"attached":true}]}]},)"
                         R"("faults":[{"function":"ctlInit","code":1073741825,"nth":1}])"));
     LumavenTest::SetOledDword(0);
-    const auto result = Call(*service, 11);
+    const auto result = RunCommand(*service, 11);
     EXPECT_EQ(result.status, StatusSuccess);
     EXPECT_EQ(result.response, L"{}");
     EXPECT_EQ(LumavenTest::OledDword(), 0u);

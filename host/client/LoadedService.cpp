@@ -2,6 +2,14 @@
 
 namespace XeltoClient {
 
+std::wstring BesideThisProgram(const wchar_t* name)
+{
+    wchar_t path[MAX_PATH];
+    const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
+    const std::wstring program(path, length);
+    return program.substr(0, program.find_last_of(L"\\/") + 1) + name;
+}
+
 LoadedService::~LoadedService()
 {
     Destroy();

@@ -14,6 +14,12 @@
 
 namespace XeltoClient {
 
+// The exit codes of the project's host programs (xelto-host, lumaven-bench): the action ran,
+// the arguments were wrong, the service is unavailable (its DLL, factory or service missing).
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitUsage = 2;
+inline constexpr int kExitUnavailable = 3;
+
 // What a host passes as the context word unless it says otherwise.
 inline constexpr uint64_t kContextWord = 1;
 
@@ -64,6 +70,10 @@ PowerSettingRecord MakePowerSetting(PowerEvent event);
 
 uint32_t Deliver(Xelto::Spanlet::Server::Services::XeltoService& service, const GUID& setting, DWORD data);
 uint32_t Deliver(Xelto::Spanlet::Server::Services::XeltoService& service, PowerEvent event);
+
+// The path of a file named `name` in the folder of the running program: where a host finds
+// the service DLL by default.
+std::wstring BesideThisProgram(const wchar_t* name);
 
 // A service DLL loaded and one service made by its factory; the service is destroyed with
 // this object.

@@ -1,4 +1,4 @@
-#include "Bench.h"
+#include "BenchTable.h"
 
 #include "CommandFloors.h"
 #include "CommandNames.h"
@@ -14,11 +14,10 @@
 #include <string>
 #include <vector>
 
-namespace XeltoHost {
+namespace LumavenBench {
 
 namespace {
 
-using namespace LumavenBench;
 using Xelto::Spanlet::Server::Services::XeltoService;
 
 constexpr wchar_t kOn[] = L"{\"BValue\":true}";
@@ -213,4 +212,4 @@ int RunBench(XeltoClient::LoadedService& host, unsigned rounds, const std::wstri
     return 0;
 }
 
-}  // namespace XeltoHost
+}  // namespace LumavenBench

@@ -15,6 +15,7 @@
 
 // The readers of the simulated drivers' state that the AMD unit suites use.
 #include "../unit/AdlSimSupport.h"
+#include "../unit/ServiceProcessState.h"
 #include "LogCapture.h"
 #include "XeltoClient.h"
 #include "SimMachine.h"
@@ -23,10 +24,6 @@
 #include "SimState.h"
 
 #include "amd/ADLXHelper.h"
-#include "amd/AdlAuxChannel.h"
-#include "intel/ControlLibClient.h"
-#include "intel/OpstProbe.h"
-#include "oled/OledEvent.h"
 #include "oled/SettingsStore.h"
 #include "service/LumavenService.h"
 #include "util/UniqueHandles.h"
@@ -149,21 +146,6 @@ std::map<std::string, std::unique_ptr<LumavenService>>& Services()
 {
     static std::map<std::string, std::unique_ptr<LumavenService>> services;
     return services;
-}
-
-// Nothing of an earlier row may linger: a library it left loaded (which would also stop the
-// installer from replacing it), the shared OPST record, the display state of the event path.
-void ResetProcess()
-{
-    if (controlLibModule != nullptr) {
-        FreeLibrary(controlLibModule);
-        controlLibModule = nullptr;
-    }
-    runtimePathArgs = nullptr;
-    g_opstSettings = {};
-    g_prevDisplayState = -1;
-    g_ADLXHelp.Terminate();
-    ReleaseAdlBinding();
 }
 
 struct RawValue {
@@ -611,7 +593,10 @@ std::string Hex(uint32_t value)
 std::vector<std::string> RunRow(const FaultRow& row)
 {
     std::vector<std::string> mismatches;
-    ResetProcess();
+    // Nothing of an earlier row may linger: a library it left loaded (which would also stop
+    // the installer from replacing it), the shared OPST record, the display state of the
+    // event path.
+    LumavenTest::ResetServiceProcessState();
     LumavenTest::InstallProfile(ProfileJson(row));
     LumavenService& service = ServiceFor(row.machine);
     if (service.m_videoController != Setup(row.machine).vendor) {
@@ -667,7 +652,7 @@ class FaultReport : public ::testing::Environment {
 public:
     void TearDown() override
     {
-        ResetProcess();
+        LumavenTest::ResetServiceProcessState();
         Services().clear();
         ClearRegistry();
 

@@ -4,6 +4,7 @@
 #include "LogCapture.h"
 #include "XeltoClient.h"
 #include "Registry.h"
+#include "ServiceProcessState.h"
 #include "SimMachine.h"
 
 #include "amd/ADLXHelper.h"
@@ -42,11 +43,10 @@ class OledFeature : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        g_ADLXHelp.Terminate();
-        g_prevDisplayState = -1;
+        LumavenTest::ResetServiceProcessState();
         LumavenTest::DeleteSettingsKey();
     }
-    void TearDown() override { g_ADLXHelp.Terminate(); }
+    void TearDown() override { LumavenTest::ResetServiceProcessState(); }
 
     std::unique_ptr<LumavenService> Started(const std::string& profile)
     {

@@ -5,6 +5,7 @@
 #include "AdlSimSupport.h"
 #include "LogCapture.h"
 #include "ProcessRunner.h"
+#include "ServiceProcessState.h"
 #include "SimMachine.h"
 #include "XeltoClient.h"
 
@@ -58,8 +59,8 @@ protected:
         LumavenSim::ClearTransactions();
         m_capture.Clear();
     }
-    void SetUp() override { g_ADLXHelp.Terminate(); }
-    void TearDown() override { g_ADLXHelp.Terminate(); }
+    void SetUp() override { LumavenTest::ResetServiceProcessState(); }
+    void TearDown() override { LumavenTest::ResetServiceProcessState(); }
 
     // Every SetEnabled value the fake received.
     static std::vector<bool> SetEnabledValues()

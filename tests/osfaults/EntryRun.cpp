@@ -97,4 +97,30 @@ Outcome RunEntry(Entry entry, uint32_t command, const wchar_t* request,
     return outcome;
 }
 
+LoadedDll::LoadedDll()
+{
+    m_module = LoadLibraryW(L"LumavenService.dll");
+    if (m_module == nullptr) {
+        return;
+    }
+    m_patch = std::make_unique<PatchedImports>(m_module);
+    SkipWaits();
+    FailNthAllocation(1);
+    {
+        const LumavenTest::HostedService failed(false);
+    }
+    FailNthAllocation(0);
+    const LumavenTest::HostedService created(false);
+}
+
+void LoadedDll::Unload()
+{
+    if (m_module != nullptr) {
+        m_patch->LeaveForUnload();
+        FreeLibrary(m_module);
+        m_module = nullptr;
+    }
+    DisarmAll();
+}
+
 }  // namespace LumavenOsFaults

@@ -9,7 +9,12 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <future>
 #include <memory>
+#include <mutex>
+#include <set>
+#include <string>
 
 using namespace Xelto::Spanlet::Server::Services;
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
@@ -131,6 +136,42 @@ TEST(ExecuteCommand, CommandNineWithoutElpSetterIsInvalidWithAnEmptyResponse)
     const auto result = RunCommand(service, 9, L"{\"BValue\":true}");
     EXPECT_EQ(result.status, StatusInvalidArgument);
     EXPECT_EQ(result.response, L"{}");
+}
+
+// Whether the command, run on another thread while this one holds `held`, is still waiting for
+// it after `patience`. Released in every case, so a command that waits ends too.
+bool StillWaiting(LumavenService& service, std::mutex& held, uint32_t command, std::chrono::milliseconds patience)
+{
+    std::unique_lock lock(held);
+    auto finished =
+        std::async(std::launch::async, [&service, command] { RunCommand(service, command, L"{\"BValue\":true}"); });
+    const bool waiting = finished.wait_for(patience) == std::future_status::timeout;
+    lock.unlock();
+    finished.get();
+    return waiting;
+}
+
+TEST(ExecuteCommand, EachCommandTakesTheLockOfItsTableRow)
+{
+    // A service never started: vendor 0, and no driver library on the machine, so that every
+    // command answers at once unless a lock holds it.
+    LumavenTest::InstallProfile(LumavenTest::MonitorsProfile({"4C837441"}));
+    LumavenService service;
+    const std::set<uint32_t> mainLock = {1, 2, 3, 5, 6, 8, 10};
+    for (uint32_t command = 1; command <= 12; ++command) {
+        SCOPED_TRACE("command " + std::to_string(command));
+        if (mainLock.count(command) != 0) {
+            EXPECT_TRUE(StillWaiting(service, service.m_mutex, command, std::chrono::milliseconds(300)))
+                << "ran without the service's mutex";
+        } else {
+            // 4 and 7 take no lock; 9, 11 and 12 lock in their handlers, by vendor, and vendor 0
+            // has none to take.
+            EXPECT_FALSE(StillWaiting(service, service.m_mutex, command, std::chrono::seconds(10)))
+                << "waited for the service's mutex";
+        }
+        EXPECT_FALSE(StillWaiting(service, service.m_adlxMutex, command, std::chrono::seconds(10)))
+            << "waited for the ADLX mutex";
+    }
 }
 
 TEST(ExecuteCommand, CallbackIsNeverCalledAndIsReleased)

@@ -5,6 +5,7 @@
 #include "Registry.h"
 #include "XeltoClient.h"
 
+#include "intel/IntelAuxWriter.h"
 #include "intel/IntelSession.h"
 #include "service/LumavenService.h"
 
@@ -132,6 +133,15 @@ TEST_F(IntelFeature, ModesOutsideTheTableDoNothing)
         EXPECT_EQ(ApplyToTargetDisplays(displays, 1, status, mode), 0) << mode;
         EXPECT_EQ(status, CTL_RESULT_SUCCESS) << mode;
     }
+    EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
+}
+
+TEST_F(IntelFeature, VerifyingAnEmptyListIsFalseAndReadsNothing)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}}));
+    ctl_result_t status = static_cast<ctl_result_t>(0x1234);
+    EXPECT_FALSE(VerifyAuxData(status, nullptr, {}));
+    EXPECT_EQ(status, CTL_RESULT_SUCCESS);
     EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
 }
 

@@ -14,8 +14,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
+#include <functional>
 #include <thread>
+#include <utility>
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
 using LumavenTest::LogCapture;
@@ -309,4 +312,155 @@ TEST_F(OledFeature, NullEventRecordIsIgnored)
     LumavenTest::SetOledDword(1);
     EXPECT_EQ(service->OledEventCalled(nullptr), 0u);
     EXPECT_EQ(g_prevDisplayState, -1);
+}
+
+TEST_F(OledFeature, EventGateDeadlineSaturatesAtTheEndOfTheClock)
+{
+    using Clock = std::chrono::steady_clock;
+    const auto second = std::chrono::duration_cast<Clock::duration>(std::chrono::seconds(1));
+    const Clock::duration tick(1);
+    const Clock::time_point end = Clock::time_point::max();
+    EXPECT_EQ(EventGate::OneSecondAfter(Clock::time_point{}), Clock::time_point{} + second);
+    EXPECT_EQ(EventGate::OneSecondAfter(Clock::time_point::min()), Clock::time_point::min() + second);
+    EXPECT_EQ(EventGate::OneSecondAfter(end - second - tick), end - tick);
+    EXPECT_EQ(EventGate::OneSecondAfter(end - second), end);
+    EXPECT_EQ(EventGate::OneSecondAfter(end - second + tick), end) << "past the end would wrap into the past";
+    EXPECT_EQ(EventGate::OneSecondAfter(end), end);
+    const Clock::time_point before = Clock::now();
+    const Clock::time_point deadline = EventGate::OneSecondFromNow();
+    EXPECT_GE(deadline, before + second);
+    EXPECT_LE(deadline, Clock::now() + second);
+}
+
+TEST_F(OledFeature, EventOnAnotherVendorWithPowerSavingOnWritesNothing)
+{
+    auto service = Started(Profile("4C837441", "Microsoft Basic Display Adapter", R"({"dxgi.dll":"dxgi.dll"})"));
+    ASSERT_EQ(service->m_videoController, 0);
+    LumavenTest::SetOledDword(1);
+    LogCapture capture;
+    EXPECT_EQ(Event(*service, kConsoleDisplayState, 1), 0u);
+    EXPECT_EQ(g_prevDisplayState, 1) << "the cycle is counted as on any machine";
+    EXPECT_EQ(capture.Texts(), (std::vector<std::wstring>{L"LumavenService - OledEventCalled entered",
+                                                          L"LumavenService - OledEventCalled OLED ON",
+                                                          L"LumavenService - OledEventCalled PrevDisplay OFF"}));
+    EXPECT_TRUE(LumavenTest::Transactions().empty()) << "no vendor library is asked";
+}
+
+TEST_F(OledFeature, EventHoldsTheServiceMutexThroughItsWaitAndWrite)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::SetOledDword(1);
+    LogCapture capture;
+    std::atomic<bool> eventDone = false;
+    std::thread event([&] {
+        Event(*service, kConsoleDisplayState, 1);
+        eventDone = true;
+    });
+    // The event's first line is logged with the mutex already held.
+    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (capture.Count(L"LumavenService - OledEventCalled entered") == 0 &&
+           std::chrono::steady_clock::now() < giveUp) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    const auto command = RunCommand(*service, 10);  // the dispatcher takes the service's mutex for it
+    EXPECT_TRUE(eventDone) << "command 10 ran while the event was waiting for the panel";
+    event.join();
+    EXPECT_EQ(command.status, StatusSuccess);
+    EXPECT_EQ(command.response, L"{\"result\":true}");
+    EXPECT_EQ(LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(), 5u);
+}
+
+TEST_F(OledFeature, AmdEventWithoutATableWritesNothing)
+{
+    // What a start-up that could not build the table leaves: vendor and panel known, no table.
+    LumavenTest::InstallProfile(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenService service;
+    service.m_videoController = kVendorAmd;
+    service.m_panelId = 0x416C834C;
+    LumavenTest::SetOledDword(1);
+    LumavenSim::ClearTransactions();
+    EXPECT_EQ(Event(service, kConsoleDisplayState, 1), 0u);
+    EXPECT_EQ(g_prevDisplayState, 1);
+    EXPECT_EQ(service.m_auxData, nullptr) << "no table is made for the event";
+    EXPECT_TRUE(LumavenTest::Amd::Calls().empty());
+}
+
+TEST_F(OledFeature, AmdElpSetterWithoutATableIsADeviceError)
+{
+    LumavenTest::InstallProfile(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenService service;
+    service.m_panelId = 0x416C834C;
+    LumavenTest::SetOledDword(0);
+    LumavenSim::ClearTransactions();
+    Document request;
+    ASSERT_TRUE(ParseRequest(request, L"{\"BValue\":true}"));
+    Document response;
+    response.SetObject();
+    EXPECT_EQ(service.SetAmdElp(&request, &response, 1, 0), StatusDeviceError);
+    EXPECT_EQ(response.MemberCount(), 0u);
+    EXPECT_TRUE(LumavenTest::Amd::Calls().empty());
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(OledFeature, AmdElpSetterWritesWithoutAResponseDocument)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::SetOledDword(0);
+    Document request;
+    ASSERT_TRUE(ParseRequest(request, L"{\"BValue\":true}"));
+    EXPECT_EQ(service->SetAmdElp(&request, nullptr, 1, 0), StatusSuccess);
+    EXPECT_EQ(LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(),
+              service->m_auxData->at({0x416C834C, true}).size());
+    EXPECT_EQ(LumavenTest::OledDword(), 1u);
+}
+
+TEST_F(OledFeature, AmdElpSetterTakesOnlyTheLiteralTrueAsOn)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::SetOledDword(1);
+    LogCapture capture;
+    const auto text = RunCommand(*service, 9, L"{\"BValue\":\"true\"}");
+    EXPECT_EQ(text.status, StatusSuccess);
+    EXPECT_EQ(text.response, L"{\"result\":true}");
+    EXPECT_EQ(LumavenTest::OledDword(), 0u) << "a string is not on: the off sequence was written";
+    EXPECT_EQ(capture.Count(L"SetAmdElp() check data failed\n\n"), 0u);
+
+    capture.Clear();
+    LumavenSim::ClearTransactions();
+    const auto missing = RunCommand(*service, 9, L"{\"Value\":true}");
+    EXPECT_EQ(missing.status, StatusInvalidArgument);
+    EXPECT_EQ(missing.response, L"{}");
+    EXPECT_EQ(capture.Texts(), std::vector<std::wstring>{L"SetAmdElp() check data failed\n\n"});
+    EXPECT_TRUE(LumavenTest::Amd::Calls().empty());
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(OledFeature, CompositeHandlersCheckTheirDocuments)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::SetOledDword(0);
+    using Handler = std::function<uint32_t(Document*, Document*)>;
+    const std::pair<const char*, Handler> handlers[] = {
+        {"4", [&](Document* q, Document* r) { return service->GetIfSystemSupportsOled(q, r, 1); }},
+        {"10", [&](Document* q, Document* r) { return service->_GetIfOLEDSupport(q, r, 1); }},
+        {"11", [&](Document* q, Document* r) { return service->_SetOLEDPowerSaveON(q, r, 1, 0); }},
+        {"12", [&](Document* q, Document* r) { return service->_SetOLEDPowerSaveOFF(q, r, 1, 0); }},
+    };
+    const std::wstring request =
+        L"class Xelto::Spanlet::Server::Services::UtilHelper.NullChecker - request cannot be null";
+    const std::wstring response =
+        L"class Xelto::Spanlet::Server::Services::UtilHelper.NullChecker - response cannot be null";
+    for (const auto& [command, handler] : handlers) {
+        SCOPED_TRACE(std::string("command ") + command);
+        Document document;
+        ASSERT_TRUE(ParseRequest(document, L"{\"BValue\":true}"));
+        LogCapture capture;
+        EXPECT_EQ(handler(nullptr, &document), StatusInvalidArgument);
+        EXPECT_EQ(handler(&document, nullptr), StatusInvalidArgument);
+        EXPECT_EQ(handler(nullptr, nullptr), StatusInvalidArgument);
+        EXPECT_EQ(capture.Texts(), (std::vector<std::wstring>{request, response, request, response}));
+        EXPECT_EQ(document.MemberCount(), 1u) << "the document is left as it was";
+    }
+    EXPECT_TRUE(LumavenTest::Transactions().empty()) << "no driver is asked";
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
 }

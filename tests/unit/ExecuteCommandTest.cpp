@@ -9,12 +9,13 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
-#include <future>
 #include <memory>
 #include <mutex>
 #include <set>
 #include <string>
+#include <thread>
 
 using namespace Xelto::Spanlet::Server::Services;
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
@@ -139,15 +140,24 @@ TEST(ExecuteCommand, CommandNineWithoutElpSetterIsInvalidWithAnEmptyResponse)
 }
 
 // Whether the command, run on another thread while this one holds `held`, is still waiting for
-// it after `patience`. Released in every case, so a command that waits ends too.
+// it after `patience`. Released in every case, so a command that waits ends too. A plain
+// thread and a flag: std::async's future reaches libstdc++'s call_once, whose thread-local
+// state the Clang build cannot link against the GCC-built runtime.
 bool StillWaiting(LumavenService& service, std::mutex& held, uint32_t command, std::chrono::milliseconds patience)
 {
     std::unique_lock lock(held);
-    auto finished =
-        std::async(std::launch::async, [&service, command] { RunCommand(service, command, L"{\"BValue\":true}"); });
-    const bool waiting = finished.wait_for(patience) == std::future_status::timeout;
+    std::atomic<bool> finished{false};
+    std::thread caller([&service, command, &finished] {
+        RunCommand(service, command, L"{\"BValue\":true}");
+        finished = true;
+    });
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    while (!finished && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    const bool waiting = !finished;
     lock.unlock();
-    finished.get();
+    caller.join();
     return waiting;
 }
 

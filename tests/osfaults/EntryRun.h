@@ -5,7 +5,7 @@
 
 #include "HostedService.h"
 #include "ImportHooks.h"
-#include "ServiceCall.h"
+#include "XeltoClient.h"
 
 #include <cstdint>
 #include <memory>
@@ -25,7 +25,7 @@ struct Outcome {
     bool created = true;   // the factory: a service came back
     bool returned = true;  // false: an exception left the entry point
     std::string thrown;    // its type, when one did
-    LumavenTest::CallResult call;
+    XeltoClient::Reply call;
     // "I:", "W:" or "E:" and the rendered text, in order.
     std::vector<std::wstring> logs;
 

@@ -3,7 +3,6 @@
 // vendor and panel it had already found.
 #include "EntryRun.h"
 #include "ImportHooks.h"
-#include "PowerSettings.h"
 #include "Registry.h"
 #include "SimMachine.h"
 #include "SimState.h"
@@ -46,7 +45,7 @@ TEST(StartupTable, AFailedBuildLeavesNeitherTableNorSetter)
     // The vendor was found: command 10 asks ADLX, as on any AMD machine.
     EXPECT_EQ(hosted->Run(10).response, L"{\"result\":true}");
     // No setter was chosen: command 9 has nobody to answer it.
-    const LumavenTest::CallResult elp = hosted->Run(9, L"{\"BValue\":true}");
+    const XeltoClient::Reply elp = hosted->Run(9, L"{\"BValue\":true}");
     EXPECT_EQ(elp.status, 0x20000002u);
     EXPECT_EQ(elp.response, L"{}");
     // With power saving stored on, the display coming back writes nothing: there is no table.

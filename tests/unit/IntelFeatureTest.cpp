@@ -3,7 +3,7 @@
 #include "ControlLibFixture.h"
 #include "LogCapture.h"
 #include "Registry.h"
-#include "ServiceCall.h"
+#include "XeltoClient.h"
 
 #include "intel/IntelAuxWriter.h"
 #include "intel/IntelSession.h"
@@ -18,7 +18,6 @@
 #include <vector>
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
-using LumavenTest::Call;
 using LumavenTest::LogCapture;
 namespace Intel = LumavenSim::Intel;
 
@@ -62,9 +61,9 @@ protected:
         LumavenSim::ClearTransactions();
     }
 
-    LumavenTest::CallResult Run(uint32_t command, const wchar_t* request = L"{}")
+    XeltoClient::Reply Run(uint32_t command, const wchar_t* request = L"{}")
     {
-        return Call(*m_service, command, request);
+        return XeltoClient::RunCommand(*m_service, command, request);
     }
 
     static size_t CallCount(const std::string& function) { return Calls(function).size(); }

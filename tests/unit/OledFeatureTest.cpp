@@ -2,9 +2,9 @@
 // event path, on the service object itself.
 #include "AdlSimSupport.h"
 #include "LogCapture.h"
-#include "PowerSettings.h"
+#include "XeltoClient.h"
 #include "Registry.h"
-#include "ServiceCall.h"
+#include "ServiceProcessState.h"
 #include "SimMachine.h"
 
 #include "amd/ADLXHelper.h"
@@ -21,10 +21,10 @@
 #include <utility>
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
-using LumavenTest::Call;
-using LumavenTest::kConsoleDisplayState;
-using LumavenTest::kLidSwitchStateChange;
 using LumavenTest::LogCapture;
+using XeltoClient::kConsoleDisplayState;
+using XeltoClient::kLidSwitchStateChange;
+using XeltoClient::RunCommand;
 
 namespace {
 
@@ -46,11 +46,10 @@ class OledFeature : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        g_ADLXHelp.Terminate();
-        g_prevDisplayState = -1;
+        LumavenTest::ResetServiceProcessState();
         LumavenTest::DeleteSettingsKey();
     }
-    void TearDown() override { g_ADLXHelp.Terminate(); }
+    void TearDown() override { LumavenTest::ResetServiceProcessState(); }
 
     std::unique_ptr<LumavenService> Started(const std::string& profile)
     {
@@ -61,13 +60,10 @@ protected:
         return service;
     }
 
-    static uint32_t Event(LumavenService& service, const GUID& setting, uint8_t data)
+    static uint32_t Event(LumavenService& service, const GUID& setting, DWORD data)
     {
-        POWERBROADCAST_SETTING record{};
-        record.PowerSetting = setting;
-        record.DataLength = 4;
-        record.Data[0] = data;
-        return service.OledEventCalled(&record);
+        const XeltoClient::PowerSettingRecord record = XeltoClient::MakePowerSetting(setting, data);
+        return service.OledEventCalled(&record.header);
     }
 };
 
@@ -104,10 +100,10 @@ TEST_F(OledFeature, StartupOnAnotherVendorChoosesNoSetter)
     EXPECT_NE(service->m_auxData, nullptr);
     EXPECT_EQ(service->m_setElp, nullptr);
     EXPECT_EQ(g_auxData, nullptr);
-    const auto elp = Call(*service, 9, L"{\"BValue\":true}");
+    const auto elp = RunCommand(*service, 9, L"{\"BValue\":true}");
     EXPECT_EQ(elp.status, StatusInvalidArgument);
     EXPECT_EQ(elp.response, L"{}") << "no setter, so nothing answers";
-    EXPECT_EQ(Call(*service, 10).response, L"{\"result\":false}");
+    EXPECT_EQ(RunCommand(*service, 10).response, L"{\"result\":false}");
 }
 
 TEST_F(OledFeature, UnsupportedPanelStillGetsTheTable)
@@ -116,7 +112,7 @@ TEST_F(OledFeature, UnsupportedPanelStillGetsTheTable)
     EXPECT_EQ(service->m_panelId, 0u);
     ASSERT_NE(service->m_auxData, nullptr);
     EXPECT_EQ(service->m_auxData->count({0, true}), 0u);
-    EXPECT_EQ(Call(*service, 9, L"{\"BValue\":true}").status, StatusDeviceError);
+    EXPECT_EQ(RunCommand(*service, 9, L"{\"BValue\":true}").status, StatusDeviceError);
 }
 
 TEST_F(OledFeature, ElpSettersRefuseMalformedRequests)
@@ -128,7 +124,7 @@ TEST_F(OledFeature, ElpSettersRefuseMalformedRequests)
         LogCapture capture;
         EXPECT_EQ((service.get()->*service->m_setElp)(nullptr, &response, 1, 0), StatusInvalidArgument);
         EXPECT_TRUE(capture.Texts().empty()) << "a null request is refused silently";
-        const auto result = Call(*service, 9, L"{\"BValue\":null}");
+        const auto result = RunCommand(*service, 9, L"{\"BValue\":null}");
         EXPECT_EQ(result.status, StatusInvalidArgument);
         EXPECT_EQ(result.response, L"{}");
         const std::wstring line = std::string(gpu) == kIntelGpu ? L"SetIntelElp() check data failed\n\n"
@@ -141,7 +137,7 @@ TEST_F(OledFeature, ElpSettersWithoutASupportedPanelAreDeviceErrors)
 {
     for (const char* gpu : {kIntelGpu, kAmdGpu}) {
         auto service = Started(Profile("10ACF540", gpu, R"({"dxgi.dll":"dxgi.dll"})"));
-        const auto result = Call(*service, 9, L"{\"BValue\":true}");
+        const auto result = RunCommand(*service, 9, L"{\"BValue\":true}");
         EXPECT_EQ(result.status, StatusDeviceError) << gpu;
         EXPECT_EQ(result.response, L"{}") << gpu;
     }
@@ -152,7 +148,7 @@ TEST_F(OledFeature, AmdPanelInTheTableForOneFlagOnlyRefusesTheOther)
     auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
     ASSERT_EQ(service->m_auxData->erase({0x416C834C, true}), 1u);
     LumavenTest::SetOledDword(0);
-    const auto on = Call(*service, 9, L"{\"BValue\":true}");
+    const auto on = RunCommand(*service, 9, L"{\"BValue\":true}");
     EXPECT_EQ(on.status, StatusDeviceError);
     EXPECT_EQ(on.response, L"{}");
     EXPECT_EQ(service->m_auxData->count({0x416C834C, true}), 0u) << "the look-up adds no entry";
@@ -160,7 +156,7 @@ TEST_F(OledFeature, AmdPanelInTheTableForOneFlagOnlyRefusesTheOther)
     EXPECT_EQ(LumavenTest::OledDword(), 0u);
 
     LumavenTest::SetOledDword(1);
-    const auto off = Call(*service, 9, L"{\"BValue\":false}");
+    const auto off = RunCommand(*service, 9, L"{\"BValue\":false}");
     EXPECT_EQ(off.status, StatusSuccess);
     EXPECT_EQ(off.response, L"{\"result\":true}");
     EXPECT_EQ(LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(), 5u);
@@ -171,10 +167,10 @@ TEST_F(OledFeature, IntelSupportQueryCountsAFailingOpstQueryAsSupported)
 {
     // No control library: the OPST query fails, adds nothing, and counts as supported.
     auto service = Started(Profile("10ACF540", kIntelGpu, R"({"dxgi.dll":"dxgi.dll"})"));
-    const auto result = Call(*service, 10);
+    const auto result = RunCommand(*service, 10);
     EXPECT_EQ(result.status, StatusSuccess);
     EXPECT_EQ(result.response, L"{\"result\":true}");
-    EXPECT_EQ(Call(*service, 4).response, L"{\"result\":false}");
+    EXPECT_EQ(RunCommand(*service, 4).response, L"{\"result\":false}");
 }
 
 TEST_F(OledFeature, IntelSupportQueryWithoutASupportedPanelIsFalse)
@@ -182,8 +178,8 @@ TEST_F(OledFeature, IntelSupportQueryWithoutASupportedPanelIsFalse)
     auto service =
         Started(Profile("10ACF540", kIntelGpu, R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"})",
                         R"(,"intel":{"adapters":[{"outputs":[{"attached":true,"opstSupported":true}]}]})"));
-    EXPECT_EQ(Call(*service, 10).response, L"{\"result\":true,\"result\":false}");
-    EXPECT_EQ(Call(*service, 4).response, L"{\"result\":false}");
+    EXPECT_EQ(RunCommand(*service, 10).response, L"{\"result\":true,\"result\":false}");
+    EXPECT_EQ(RunCommand(*service, 4).response, L"{\"result\":false}");
 }
 
 TEST_F(OledFeature, IntelPowerSaveOnSkipsEdWhenOpstFails)
@@ -193,7 +189,7 @@ TEST_F(OledFeature, IntelPowerSaveOnSkipsEdWhenOpstFails)
                         R"(,"intel":{"adapters":[{"outputs":[{"attached":true}]}]},)"
                         R"("faults":[{"function":"ctlInit","code":1073741825,"nth":1}])"));
     LumavenTest::SetOledDword(0);
-    const auto result = Call(*service, 11);
+    const auto result = RunCommand(*service, 11);
     EXPECT_EQ(result.status, StatusSuccess);
     EXPECT_EQ(result.response, L"{}");
     EXPECT_EQ(LumavenTest::OledDword(), 0u);
@@ -366,7 +362,7 @@ TEST_F(OledFeature, EventHoldsTheServiceMutexThroughItsWaitAndWrite)
            std::chrono::steady_clock::now() < giveUp) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
-    const auto command = Call(*service, 10);  // the dispatcher takes the service's mutex for it
+    const auto command = RunCommand(*service, 10);  // the dispatcher takes the service's mutex for it
     EXPECT_TRUE(eventDone) << "command 10 ran while the event was waiting for the panel";
     event.join();
     EXPECT_EQ(command.status, StatusSuccess);
@@ -423,7 +419,7 @@ TEST_F(OledFeature, AmdElpSetterTakesOnlyTheLiteralTrueAsOn)
     auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
     LumavenTest::SetOledDword(1);
     LogCapture capture;
-    const auto text = Call(*service, 9, L"{\"BValue\":\"true\"}");
+    const auto text = RunCommand(*service, 9, L"{\"BValue\":\"true\"}");
     EXPECT_EQ(text.status, StatusSuccess);
     EXPECT_EQ(text.response, L"{\"result\":true}");
     EXPECT_EQ(LumavenTest::OledDword(), 0u) << "a string is not on: the off sequence was written";
@@ -431,7 +427,7 @@ TEST_F(OledFeature, AmdElpSetterTakesOnlyTheLiteralTrueAsOn)
 
     capture.Clear();
     LumavenSim::ClearTransactions();
-    const auto missing = Call(*service, 9, L"{\"Value\":true}");
+    const auto missing = RunCommand(*service, 9, L"{\"Value\":true}");
     EXPECT_EQ(missing.status, StatusInvalidArgument);
     EXPECT_EQ(missing.response, L"{}");
     EXPECT_EQ(capture.Texts(), std::vector<std::wstring>{L"SetAmdElp() check data failed\n\n"});

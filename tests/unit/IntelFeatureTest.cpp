@@ -136,6 +136,19 @@ TEST_F(IntelFeature, ModesOutsideTheTableDoNothing)
     EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
 }
 
+TEST_F(IntelFeature, AnEmptyDisplayListAnswersZeroForEveryMode)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}}));
+    ctl_display_output_handle_t displays[1] = {nullptr};
+    for (const uint32_t mode :
+         {kModeGetOpst, kModeEnableOpst, kModeDisableOpst, kModeEdOn, kModeEdOff, kModeOpstSupport}) {
+        ctl_result_t status = static_cast<ctl_result_t>(0x1234);
+        EXPECT_EQ(ApplyToTargetDisplays(displays, 0, status, mode), 0) << mode;
+        EXPECT_EQ(status, CTL_RESULT_SUCCESS) << mode;
+    }
+    EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
+}
+
 TEST_F(IntelFeature, VerifyingAnEmptyListIsFalseAndReadsNothing)
 {
     Machine(kPanel4174, Adapters({{kOpstOutput}}));

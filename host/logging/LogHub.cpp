@@ -91,9 +91,9 @@ void SetSink(SinkFunction sink, void* user)
 const char* LevelName(Level level)
 {
     switch (level) {
-    case Level::Info: return "INFO";
     case Level::Warning: return "WARNING";
     case Level::Error: return "ERROR";
+    case Level::Info: break;
     }
     return "INFO";
 }

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cwchar>
 #include <iterator>
@@ -54,11 +55,9 @@ std::wstring RenderNarrow(const char* format, va_list args)
     if (format == nullptr) {
         return {};
     }
+    // A format the code page cannot convert (length 0) stays one terminator: an empty record.
     const int length = MultiByteToWideChar(CP_ACP, 0, format, -1, nullptr, 0);
-    if (length <= 0) {
-        return {};
-    }
-    std::wstring wide(static_cast<size_t>(length), L'\0');
+    std::wstring wide(static_cast<size_t>(std::max(length, 1)), L'\0');
     MultiByteToWideChar(CP_ACP, 0, format, -1, wide.data(), length);
     return RenderWide(wide.c_str(), args);
 }

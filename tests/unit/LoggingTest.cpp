@@ -154,3 +154,88 @@ TEST(Logging, ManyThreadsLoseNoRecord)
     ASSERT_EQ(texts.size(), static_cast<size_t>(kThreads * kRecords));
     EXPECT_EQ(capture.Count(L"thread 3 record 499"), 1u);
 }
+
+namespace {
+
+// A log file in the temporary folder, named by XELTO_LOG_FILE while the object lives.
+class LogFile {
+public:
+    explicit LogFile(const wchar_t* name)
+    {
+        wchar_t directory[MAX_PATH];
+        GetTempPathW(MAX_PATH, directory);
+        m_path = std::wstring(directory) + name;
+        DeleteFileW(m_path.c_str());
+        SetEnvironmentVariableW(L"XELTO_LOG_FILE", m_path.c_str());
+    }
+    ~LogFile()
+    {
+        SetEnvironmentVariableW(L"XELTO_LOG_FILE", nullptr);
+        DeleteFileW(m_path.c_str());
+    }
+    LogFile(const LogFile&) = delete;
+    LogFile& operator=(const LogFile&) = delete;
+
+    std::vector<std::string> Lines() const
+    {
+        std::ifstream in(m_path.c_str(), std::ios::binary);
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(in, line);) {
+            lines.push_back(line);
+        }
+        return lines;
+    }
+
+private:
+    std::wstring m_path;
+};
+
+}  // namespace
+
+TEST(Logging, FileSinkEscapesEveryControlCharacterAndKeepsLoneSurrogates)
+{
+    const LogFile file(L"xelto-log-escapes.jsonl");
+    LogManager::SetProvider("quote\"back\\slash\x01");
+    Logger().LogInfo(L"%s", L"\b\f\r\n\t \u20AC \xD800x \xDC00 end\xD83D");
+    LogManager::SetProvider("Xelto-Spanlet-SystemInformation");
+    const std::vector<std::string> lines = file.Lines();
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0], std::string(R"({"level":"INFO","provider":"quote\"back\\slash\u0001","context":0,)") +
+                            R"("text":"\b\f\r\n\t )" + "\xE2\x82\xAC" + R"( \uD800x \uDC00 end\uD83D"})");
+}
+
+TEST(Logging, ANullProviderNameIsEmpty)
+{
+    LogCapture capture;
+    LogManager::SetProvider(nullptr);
+    Logger().LogInfo(L"unnamed");
+    LogManager::SetProvider("Xelto-Spanlet-SystemInformation");
+    const auto records = capture.Records();
+    ASSERT_EQ(records.size(), 1u);
+    EXPECT_EQ(records[0].provider, "");
+    EXPECT_EQ(records[0].text, L"unnamed");
+}
+
+TEST(Logging, AFileThatCannotBeWrittenCostsOnlyTheFileCopy)
+{
+    LogCapture capture;
+    SetEnvironmentVariableW(L"XELTO_LOG_FILE", L"C:\\no-such-folder-of-xelto\\log.jsonl");
+    Logger().LogInfo(L"unopenable");
+    // A name longer than any path is not taken at all.
+    const std::wstring tooLong = L"C:\\" + std::wstring(600, L'a') + L".jsonl";
+    SetEnvironmentVariableW(L"XELTO_LOG_FILE", tooLong.c_str());
+    Logger().LogInfo(L"unnamed file");
+    SetEnvironmentVariableW(L"XELTO_LOG_FILE", nullptr);
+    EXPECT_EQ(capture.Texts(), (std::vector<std::wstring>{L"unopenable", L"unnamed file"}));
+    EXPECT_EQ(GetFileAttributesW(L"C:\\no-such-folder-of-xelto"), INVALID_FILE_ATTRIBUTES);
+}
+
+TEST(Logging, RecordsBeyondAMebiCharacterAreCut)
+{
+    LogCapture capture;
+    const std::wstring huge(3u << 20, L'x');
+    Logger().LogInfo(L"%s", huge.c_str());
+    const std::wstring text = Only(capture);
+    EXPECT_EQ(text.size(), 1u << 20);
+    EXPECT_EQ(text, huge.substr(0, 1u << 20));
+}

@@ -1,18 +1,29 @@
 #!/usr/bin/env python3
 """Mutation check of the service's sources (src/): one small change at a time.
 
-Each mutant changes one token of one line (a comparison flipped, && and || swapped, an integer
-constant moved by one, a boolean literal inverted, or a call statement dropped) in a private
-copy of the tree, rebuilds that copy in its own build tree and runs the unit, scenario and
-fault suites through CTest, cheapest first, stopping at the first suite that fails. A suite
-passes only on GoogleTest's own report (cmake/gtest-run.sh), so a crash, a hang (the time
-limit) or an early exit kills the mutant as a failed test does. A mutant that does not build
-is stillborn and is not counted. The worktree's own sources are never touched: an interrupted
-run leaves at most the private copy changed, and the next run copies the tree afresh.
+Each mutant changes one token of one line: a comparison flipped, && and || swapped, + and -,
+* and /, & and |, << and >> swapped, an integer constant moved by one, a boolean literal
+inverted, a unary ! removed, a returned value replaced by its type's default, a counted loop's
+bound lowered by one, or a call statement dropped. A mutant is judged by the unit, scenario
+and fault suites; a suite passes only on GoogleTest's own report, so a crash, a hang (the time
+limit) or an early exit kills the mutant as a failed test does. A mutant that does not build is
+stillborn and is not counted.
 
-The mutants are listed in a fixed order, shuffled by the seed per folder of src/ and then
-taken from the folders in turn, so that any slice of the list spreads over every folder.
-Known equivalent mutants (scripts/mutate-equivalent.txt) are reported as such.
+Two ways to judge, with the same verdicts (docs/mutation/agreement.csv):
+- the switched build (default; scripts/mutate_schema.py): every mutant compiled into one
+  private copy of the tree and switched on at run time by LUMAVEN_MUTANT; a mutant runs the
+  tests that reach it (a per-test map made once), then the full suites if it lives. A mutant the
+  compiler cannot switch at run time is rebuilt on its own, as below.
+- the rebuild (--plain): the mutant written into a private copy of the tree, rebuilt in its own
+  build tree, and the suites run through CTest, cheapest first, up to the first that fails.
+The worktree's own sources are never touched: an interrupted run leaves at most the private
+copies changed, and the next run copies the tree afresh.
+
+The mutants are listed in a fixed order, shuffled by the seed per folder of src/ and then taken
+from the folders in turn, so that any slice of the list spreads over every folder. Each has a
+key (file, a hash of its line's text, operator and change, occurrence) that stays when other
+lines move, so that a table of verdicts (--results) resumes and carries over to a later
+commit. Known equivalent mutants (scripts/mutate-equivalent.txt) are reported as such.
 """
 import argparse
 import csv
@@ -106,6 +117,20 @@ def operand_before(masked, column):
     return not (word and word.group(1) in KEYWORDS_BEFORE_OPERAND)
 
 
+def last_code_line(lines, number):
+    """The masked text of the last line before line number that has code."""
+    for back in range(number - 2, -1, -1):
+        text = mask(lines[back]).strip()
+        if text and not text.startswith("#"):
+            return text
+    return ""
+
+
+def statement_starts(previous):
+    """Whether a statement starts on the line after previous (not the rest of an expression)."""
+    return not previous or previous[-1] in ";{})" or previous.endswith(":") or previous.split()[-1] in ("else", "do")
+
+
 def binary_kind(op):
     for kind, table in (("comparison", COMPARISONS), ("logical", LOGICAL), ("arithmetic", ARITHMETIC),
                         ("bitwise", BITWISE), ("shift", SHIFTS)):
@@ -134,6 +159,7 @@ def mutants_of_lines(path, lines):
             continue
         masked = mask(line)
         on_line = []
+        previous = last_code_line(lines, number)
         for m in OPERATOR.finditer(masked):
             op = m.group(1)
             kind, new = binary_kind(op)
@@ -171,7 +197,7 @@ def mutants_of_lines(path, lines):
                 text = line[start:start + len(bound)]
                 on_line.append((path, number, start, text, text + " - 1", "loop-bound"))
         call = CALL_STATEMENT.match(masked)
-        if call and "=" not in masked.split("(", 1)[0]:
+        if call and "=" not in masked.split("(", 1)[0] and balanced(masked) and statement_starts(previous):
             indent = call.group(1)
             on_line.append((path, number, len(indent), line[len(indent):], ";", "drop-call"))
         found.extend(sorted(on_line, key=lambda m: (m[2], KINDS.index(m[5]))))
@@ -553,6 +579,11 @@ def main():
                         help="table of verdicts to append to and resume from (CSV), e.g. docs/mutation/results.csv")
     parser.add_argument("--agreement", metavar="CSV",
                         help="judge the chosen mutants both ways and write the comparison to CSV")
+    parser.add_argument("--switchable", action="store_true",
+                        help="only the mutants the generator switches at run time (for a sample of the agreement check)")
+    parser.add_argument("--reference", default="",
+                        help="with --agreement: a table of verdicts of the rebuild path (from --plain --results) "
+                             "to take instead of rebuilding the mutants it has")
     parser.add_argument("--work", default=os.path.join(ROOT, "build", "mutate"),
                         help="private copies, build trees and logs (default build/mutate)")
     parser.add_argument("--lock", default=os.environ.get("LUMAVEN_MUTATE_LOCK", ""),
@@ -572,6 +603,10 @@ def main():
     if args.changed_since:
         changed = changed_lines(args.changed_since)
         everything = [m for m in everything if m[1] in changed.get(m[0], ())]
+    if args.switchable:
+        import mutate_schema
+        switchable = mutate_schema.switchable(listing, mask)
+        everything = [m for m in everything if m in switchable]
     if args.stats:
         counts = {}
         for mutant in everything:
@@ -581,6 +616,10 @@ def main():
         print("%-15s %5d" % ("total", len(everything)))
         return 0
     chosen = everything[args.skip:] if args.all or args.changed_since else everything[args.skip:args.skip + args.count]
+    if args.agreement and args.reference:
+        # The sample is the reference table's: the mutants it judged that are still listed.
+        judged = Results(args.reference).rows
+        chosen = [m for m in listing if keys[m] in judged]
     results = Results(args.results)
     pending = [m for m in chosen if not results.has(keys[m])]
     print("mutants: %d listed (seed %d); %d chosen from #%d, %d of them already judged in %s" %
@@ -600,6 +639,7 @@ def main():
                                                confirm=not args.no_confirm)
         fast.prepare()
     equivalents = load_equivalents()
+    reference = Results(args.reference)
     agreement = []
     tally = {}
     survivors = []
@@ -610,8 +650,12 @@ def main():
             continue
         started = time.time()
         if args.agreement:
-            verdict, suite, test, how = plain.judge(mutant)
-            plain_seconds = time.time() - started
+            if reference.has(key):
+                row = reference.rows[key]
+                verdict, suite, test, plain_seconds = row["verdict"], row["suite"], row["test"], float(row["seconds"])
+            else:
+                verdict, suite, test, how = plain.judge(mutant)
+                plain_seconds = time.time() - started
             started = time.time()
             other = fast.judge(mutant, plain)
             agreement.append((key, mutant, (verdict, suite, test, plain_seconds), other + (time.time() - started,)))

@@ -71,6 +71,20 @@ inline bool lumaven_mutant_active(unsigned long id)
     lumaven_mutation::Reached(id);
     return lumaven_mutation::Active() == id;
 }
+
+// A switched constant inside braces: converted to whatever the element is, so that a literal
+// that fits its element does not become a narrowing conversion by being switched.
+template <class V>
+struct lumaven_mutant_value {
+    unsigned long id;
+    V original;
+    V mutated;
+    template <class T>
+    operator T() const
+    {
+        return static_cast<T>(lumaven_mutant_active(id) ? mutated : original);
+    }
+};
 #endif
 """
 
@@ -177,6 +191,20 @@ def binary_span(masked, previous, column, op):
     if start >= column or end <= column + len(op):
         return None
     return start, end
+
+
+def in_braces(masked, column):
+    """Whether the nearest bracket left open before column on the line is a brace."""
+    depth = 0
+    for pos in range(column - 1, -1, -1):
+        c = masked[pos]
+        if c in ")]}":
+            depth += 1
+        elif c in "([{":
+            if depth == 0:
+                return c == "{"
+            depth -= 1
+    return False
 
 
 def closing(masked, pos):
@@ -292,10 +320,17 @@ def site_of(ident, mutant, line, masked, previous, columns):
         label = re.match(r"^\s*case\b[^:]*:", masked)
         if label and column < label.end():
             return None
-        return Site(ident, mutant, column, column + len(old), "expression")
+        return Site(ident, mutant, column, column + len(old), "value" if kind == "constant" and in_braces(masked, column)
+                    else "expression")
     if kind == "negation":
         end = unary_operand_end(masked, column + 1)
-        return Site(ident, mutant, column, end, "expression") if end else None
+        if not end:
+            return None
+        before, after = masked[:column].rstrip(), masked[end:].lstrip()
+        # As a condition, the operand itself and its value as bool are the same; written so, a
+        # smart pointer's '!' switches too (both branches bool).
+        condition = re.search(r"(?:\b(?:if|while) \(|&&|\|\||\bif \(\()$", before) and re.match(r"(?:\)|&&|\|\|)", after)
+        return Site(ident, mutant, column, end, "condition" if condition else "expression")
     if kind == "loop-bound":
         return Site(ident, mutant, column, column + len(old), "expression")
     if kind == "return-default":
@@ -305,7 +340,7 @@ def site_of(ident, mutant, line, masked, previous, columns):
             return None
         return Site(ident, mutant, start, end + 1, "return")
     if kind == "drop-call":
-        return Site(ident, mutant, column, len(line.rstrip()), "drop")
+        return Site(ident, mutant, column, len(masked.rstrip()), "drop")
     return None
 
 
@@ -329,9 +364,13 @@ def render_site(line, site):
         return "{ if (!%s) { %s } }" % (test, original)
     if site.form == "return":
         return "{ if (%s) { return {}; } %s }" % (test, original)
+    if site.form == "value":
+        return "lumaven_mutant_value<decltype(%s)>{%d, %s, %s}" % (old, site.ident, old, new)
     text = line[site.start:site.end]
     offset = column - site.start
     mutated = text[:offset] + new + text[offset + len(old):]
+    if site.form == "condition":
+        mutated = "static_cast<bool>(%s)" % mutated
     return "(%s ? (%s) : (%s))" % (test, mutated, original)
 
 
@@ -351,6 +390,10 @@ def nest(sites):
         (stack[-1].children if stack else roots).append(site)
         stack.append(site)
     return roots, dropped
+
+
+def bracket_balance(masked):
+    return tuple(masked.count(o) - masked.count(c) for o, c in ("()", "[]", "{}"))
 
 
 def schema_of(lines, mutants_with_ids, mask, excluded=()):
@@ -378,9 +421,12 @@ def schema_of(lines, mutants_with_ids, mask, excluded=()):
     for number, sites in by_line.items():
         roots, dropped = nest(sites)
         kept = set(s.ident for s in sites) - set(s.ident for s in dropped)
-        switched |= kept
         line = lines[number - 1]
-        out[number - 1] = render(line, roots, 0, len(line))
+        rendered = render(line, roots, 0, len(line))
+        if bracket_balance(mask(rendered)) != bracket_balance(masked_lines[number - 1]):
+            continue  # a switch that would break the line's brackets: its mutants are rebuilt instead
+        out[number - 1] = rendered
+        switched |= kept
     return out, switched
 
 
@@ -651,3 +697,18 @@ class FastEngine:
                 if not passed:
                     return "killed", suite, failed, "switched, full suites"
         return "survived", "", "", "switched, full suites"
+
+
+def switchable(listing, mask):
+    """The mutants of the listing that the generator switches at run time (before any build)."""
+    by_file = {}
+    for ident, mutant in enumerate(listing, 1):
+        by_file.setdefault(mutant[0], []).append((ident, mutant))
+    import mutate as base
+    result = set()
+    for path, items in by_file.items():
+        with open(os.path.join(base.ROOT, path), encoding="utf-8") as f:
+            lines = f.read().split("\n")
+        _, ids = schema_of(lines, items, mask)
+        result |= set(mutant for ident, mutant in items if ident in ids)
+    return result

@@ -363,10 +363,14 @@ class Lock:
         self.path = path
         self.handle = None
 
+    waited = 0.0  # seconds spent queueing for the lock, all holds together
+
     def __enter__(self):
         if self.path:
             self.handle = open(self.path, "a")
+            began = time.time()
             fcntl.flock(self.handle, fcntl.LOCK_EX)
+            Lock.waited += time.time() - began
         return self
 
     def __exit__(self, *exc):
@@ -648,17 +652,18 @@ def main():
         key = keys[mutant]
         if mutant not in pending and not args.agreement:
             continue
-        started = time.time()
+        started = time.time() - Lock.waited
         if args.agreement:
             if reference.has(key):
                 row = reference.rows[key]
                 verdict, suite, test, plain_seconds = row["verdict"], row["suite"], row["test"], float(row["seconds"])
             else:
                 verdict, suite, test, how = plain.judge(mutant)
-                plain_seconds = time.time() - started
-            started = time.time()
+                plain_seconds = time.time() - started - Lock.waited
+            started = time.time() - Lock.waited
             other = fast.judge(mutant, plain)
-            agreement.append((key, mutant, (verdict, suite, test, plain_seconds), other + (time.time() - started,)))
+            agreement.append((key, mutant, (verdict, suite, test, plain_seconds),
+                              other + (time.time() - started - Lock.waited,)))
             write_agreement(args.agreement, agreement)
             print("#%d plain %s / fast %s (%s): %s" % (index, verdict, other[0], other[3], describe(mutant)), flush=True)
             continue
@@ -666,7 +671,7 @@ def main():
             verdict, suite, test, how = fast.judge(mutant, plain)
         else:
             verdict, suite, test, how = plain.judge(mutant)
-        seconds = time.time() - started
+        seconds = time.time() - started - Lock.waited  # the work, not the queueing for the lock
         reason = ""
         if verdict == "survived":
             reason = equivalents.get(equivalence_key(mutant, lines_of(mutant[0]))) or ""

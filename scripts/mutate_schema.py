@@ -269,7 +269,7 @@ def code_columns(masked_lines):
                     kind = "code"
                 elif SCOPE_OPENER.match(masked):
                     kind = "scope"
-                elif before == "":
+                elif masked.strip() == "{":
                     kind = "code"  # a function's brace, on its own line in this layout
                 elif re.search(r"\)\s*(?:const\s*)?(?:noexcept\s*)?(?:override\s*)?(?:final\s*)?$", before) \
                         and "=" not in before.split("(")[0]:
@@ -396,7 +396,23 @@ def bracket_balance(masked):
     return tuple(masked.count(o) - masked.count(c) for o, c in ("()", "[]", "{}"))
 
 
-def schema_of(lines, mutants_with_ids, mask, excluded=()):
+def rendered_spans(rendered, ids):
+    """{id: (start, end)} of each switch in a rendered line (columns from 0)."""
+    masked = rendered
+    spans = {}
+    for ident in ids:
+        m = re.search(r"\((?=%s\(%d\) \?)|\{ if \(!?%s\(%d\)\)|lumaven_mutant_value<decltype\([^)]*\)>(?=\{%d,)"
+                      % (SWITCH, ident, SWITCH, ident, ident), masked)
+        if not m:
+            continue
+        opener = m.start() if masked[m.start()] in "({" else m.end()
+        end = closing(masked, opener)
+        if end:
+            spans[ident] = (m.start(), end)
+    return spans
+
+
+def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None):
     """The file's lines with its mutants switched, and the set of mutant ids switched.
 
     mutants_with_ids: [(id, mutant)] of this file; excluded: ids never to switch (the ones a
@@ -427,6 +443,8 @@ def schema_of(lines, mutants_with_ids, mask, excluded=()):
             continue  # a switch that would break the line's brackets: its mutants are rebuilt instead
         out[number - 1] = rendered
         switched |= kept
+        if spans is not None:
+            spans[number] = rendered_spans(mask(rendered), kept)
     return out, switched
 
 
@@ -447,6 +465,7 @@ class FastEngine:
         self.ids = {mutant: ident for ident, mutant in enumerate(listing, 1)}
         self.by_id = {ident: mutant for mutant, ident in self.ids.items()}
         self.switched = set()
+        self.spans = {}
 
     # -- the build ------------------------------------------------------------------------
     def refused_path(self):
@@ -470,7 +489,10 @@ class FastEngine:
             with open(os.path.join(self.base.ROOT, path), encoding="utf-8") as f:
                 lines = f.read().split("\n")
             excluded = set(ident for ident, mutant in items if self.keys[mutant] in refused)
-            out, ids = schema_of(lines, items, self.base.mask, excluded)
+            spans = {}
+            out, ids = schema_of(lines, items, self.base.mask, excluded, spans)
+            for number, by_id in spans.items():
+                self.spans[(path, number)] = by_id
             if ids:
                 texts[path] = "\n".join(out)
                 switched |= ids
@@ -514,7 +536,6 @@ class FastEngine:
               (len(self.switched), len(self.listing), len(self.listing) - len(self.switched)), flush=True)
         self.bin = os.path.join(self.build, "bin")
         self.prefix = os.path.join(self.build, "wineprefix")
-        self.baseline()
         self.coverage()
 
     def refusals(self, output):
@@ -522,14 +543,26 @@ class FastEngine:
         src = os.path.join(self.tree, "src") + os.sep
         named = set()
         files = set()
-        for m in re.finditer(r"(?m)(\S+?\.(?:cpp|h)):(\d+):(?:\d+:)? (error|note|required from|warning)", output):
+        precise = set()
+        for m in re.finditer(r"(?m)(\S+?\.(?:cpp|h)):(\d+):(?:(\d+):)? (error|note|required from|warning)(.*)$", output):
             path = os.path.normpath(m.group(1) if os.path.isabs(m.group(1)) else os.path.join(self.build, m.group(1)))
-            if path.startswith(src):
-                rel = os.path.relpath(path, self.tree)
-                named.add((rel, int(m.group(2))))
-                if m.group(3) == "error":
-                    files.add(rel)
-        keys = set(self.keys[self.by_id[i]] for i in self.switched if (self.by_id[i][0], self.by_id[i][1]) in named)
+            if not path.startswith(src):
+                continue
+            rel = os.path.relpath(path, self.tree)
+            number = int(m.group(2))
+            if m.group(4) == "error":
+                files.add(rel)
+            # An error inside one switch (a type that differs, a default no type has) refuses that
+            # switch; a line that cannot be switched at all (a constant expression) refuses them all.
+            spans = self.spans.get((rel, number), {})
+            column = int(m.group(3)) - 1 if m.group(3) else -1
+            inside = [(b - a, i) for i, (a, b) in spans.items() if a <= column < b]
+            if m.group(4) == "error" and "constexpr" not in m.group(5) and "constant" not in m.group(5) and inside:
+                precise.add(min(inside)[1])
+            else:
+                named.add((rel, number))
+        keys = set(self.keys[self.by_id[i]] for i in self.switched
+                   if (self.by_id[i][0], self.by_id[i][1]) in named or i in precise)
         if not keys:
             # Nothing switched on the lines named: every switch of the files with errors goes.
             keys = set(self.keys[self.by_id[i]] for i in self.switched if self.by_id[i][0] in files)
@@ -638,26 +671,30 @@ class FastEngine:
                 self.map = saved
                 self.index()
                 return
+        self.baseline()
         started = time.time()
         tests = {}
         trace_root = os.path.join(self.work, "trace")
         for suite in self.base.SUITES:
             tests[suite] = []
+            lock = self.base.Lock(self.lock)
+            lock.__enter__()  # one hold per suite: a test alone is too short to queue for
             for name in self.list_tests(suite):
                 trace = os.path.join(trace_root, suite, re.sub(r"[^\w.-]", "_", name))
                 shutil.rmtree(trace, ignore_errors=True)
                 os.makedirs(trace)
                 began = time.time()
-                with self.base.Lock(self.lock):
-                    passed, failed = self.gtest(suite, [name], self.environment(trace=trace), 300)
+                passed, failed = self.gtest(suite, [name], self.environment(trace=trace), 300)
                 seconds = time.time() - began
                 if not passed:
+                    lock.__exit__()
                     raise SystemExit("%s %s fails alone in the switched copy (%s)" % (suite, name, failed))
                 reached = set()
                 for trace_file in os.listdir(trace):
                     with open(os.path.join(trace, trace_file)) as f:
                         reached.update(int(x) for x in f.read().split() if x.isdigit())
                 tests[suite].append([name, round(seconds, 2), sorted(reached)])
+            lock.__exit__()
             print("coverage map: %s, %d tests" % (suite, len(tests[suite])), flush=True)
         self.map = {"fingerprint": fingerprint, "seconds": round(time.time() - started), "tests": tests}
         with open(path, "w") as f:

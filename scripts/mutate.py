@@ -447,13 +447,13 @@ class PlainEngine:
     def prepare(self):
         os.makedirs(self.work, exist_ok=True)
         self.log = os.path.join(self.work, "mutate.log")
-        self.tree = prepare_copy(self.work, self.log)
-        self.build = os.path.join(self.tree, "build")
-        if not os.path.exists(os.path.join(self.build, "build.ninja")):
-            if run(["cmake", "--preset", "mingw"], self.tree, self.log) != 0:
-                raise SystemExit("cannot configure the private copy; see %s" % self.log)
         # The unmutated tree must build, or every verdict is meaningless.
         with Lock(self.lock):
+            self.tree = prepare_copy(self.work, self.log)
+            self.build = os.path.join(self.tree, "build")
+            if not os.path.exists(os.path.join(self.build, "build.ninja")):
+                if run(["cmake", "--preset", "mingw"], self.tree, self.log) != 0:
+                    raise SystemExit("cannot configure the private copy; see %s" % self.log)
             if run(build_command(self.build), self.tree, self.log) != 0:
                 raise SystemExit("the unmutated copy does not build; see %s" % self.log)
         self.ready = True
@@ -462,16 +462,18 @@ class PlainEngine:
         if not self.ready:
             self.prepare()
         source = os.path.join(self.tree, mutant[0])
-        with open(source, encoding="utf-8") as f:
-            original = f.read()
-        try:
-            with open(source, "w", encoding="utf-8") as f:
-                f.write(apply(original, mutant))
-            with Lock(self.lock):
+        # The copy is changed only while the lock is held, so that two runs sharing it (a sweep
+        # and an agreement check) never build each other's mutants.
+        with Lock(self.lock):
+            with open(source, encoding="utf-8") as f:
+                original = f.read()
+            try:
+                with open(source, "w", encoding="utf-8") as f:
+                    f.write(apply(original, mutant))
                 return self.run_suites()
-        finally:
-            with open(source, "w", encoding="utf-8") as f:
-                f.write(original)
+            finally:
+                with open(source, "w", encoding="utf-8") as f:
+                    f.write(original)
 
     def run_suites(self):
         if run(build_command(self.build), self.tree, self.log) != 0:
@@ -660,6 +662,9 @@ def main():
             else:
                 verdict, suite, test, how = plain.judge(mutant)
                 plain_seconds = time.time() - started - Lock.waited
+            if not fast.is_switched(mutant):
+                print("#%d not switched (rebuilt either way): %s" % (index, describe(mutant)), flush=True)
+                continue
             started = time.time() - Lock.waited
             other = fast.judge(mutant, plain)
             agreement.append((key, mutant, (verdict, suite, test, plain_seconds),
@@ -792,4 +797,7 @@ def self_test():
 
 
 if __name__ == "__main__":
+    # One module under both names, so that scripts/mutate_schema.py shares its state (the time
+    # queued for the lock).
+    sys.modules.setdefault("mutate", sys.modules["__main__"])
     sys.exit(main())

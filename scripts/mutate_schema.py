@@ -581,7 +581,7 @@ class FastEngine:
             env["LUMAVEN_MUTANT_TRACE"] = trace
         return env
 
-    def gtest(self, suite, tests, env, timeout):
+    def gtest(self, suite, tests, env, timeout, fail_fast=False):
         """Runs the named tests of one suite program; (passed, the first failed test or why)."""
         report_name = "fast-%s.xml" % suite
         report = os.path.join(self.bin, "gtest-reports", report_name)
@@ -592,6 +592,8 @@ class FastEngine:
                    "--gtest_output=xml:gtest-reports/" + report_name]
         if tests is not None:
             command.append("--gtest_filter=" + ":".join(tests))
+        if fail_fast:
+            command.append("--gtest_fail_fast")
         with open(self.log, "a") as out:
             try:
                 code = subprocess.run(command, cwd=self.bin, env=env, stdout=out, stderr=subprocess.STDOUT,
@@ -708,6 +710,9 @@ class FastEngine:
                 for ident in reached:
                     self.reaching.setdefault(ident, {}).setdefault(suite, []).append((name, seconds))
 
+    def is_switched(self, mutant):
+        return self.ids[mutant] in self.switched
+
     def judge(self, mutant, plain):
         """(verdict, suite, test, how) of one mutant."""
         ident = self.ids[mutant]
@@ -715,16 +720,17 @@ class FastEngine:
             return plain.judge(mutant)
         reaching = self.reaching.get(ident, {})
         env = self.environment(ident)
+        # The suites' shares in the order of their time alone, shortest first; each stops at its
+        # first failed test.
+        order = sorted(reaching, key=lambda suite: sum(seconds for _, seconds in reaching[suite]))
         with self.base.Lock(self.lock):
-            for suite in self.base.SUITES:
-                tests = reaching.get(suite)
-                if not tests:
-                    continue
+            for suite in order:
+                tests = reaching[suite]
                 names = [name for name, _ in tests]
                 limit = min(self.base.SUITE_TIMEOUT[suite], 30 + 3 * sum(seconds for _, seconds in tests))
                 if len(":".join(names)) > 20000:
                     names = None  # too long a command line: the whole suite
-                passed, failed = self.gtest(suite, names, env, limit)
+                passed, failed = self.gtest(suite, names, env, limit, fail_fast=True)
                 if not passed:
                     return "killed", suite, failed, "switched, %d reaching tests" % sum(map(len, reaching.values()))
             if not self.confirm:

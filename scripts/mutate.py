@@ -364,20 +364,41 @@ class Lock:
         self.handle = None
 
     waited = 0.0  # seconds spent queueing for the lock, all holds together
+    held = {}  # path -> [handle, depth, since]: a hold of this process, reentrant
 
     def __enter__(self):
         if self.path:
-            self.handle = open(self.path, "a")
+            hold = Lock.held.get(self.path)
+            if hold:
+                hold[1] += 1
+                return self
+            handle = open(self.path, "a")
             began = time.time()
-            fcntl.flock(self.handle, fcntl.LOCK_EX)
+            fcntl.flock(handle, fcntl.LOCK_EX)
             Lock.waited += time.time() - began
+            Lock.held[self.path] = [handle, 1, time.time()]
         return self
 
     def __exit__(self, *exc):
-        if self.handle:
-            fcntl.flock(self.handle, fcntl.LOCK_UN)
-            self.handle.close()
-            self.handle = None
+        hold = Lock.held.get(self.path) if self.path else None
+        if hold:
+            hold[1] -= 1
+            if hold[1] == 0:
+                fcntl.flock(hold[0], fcntl.LOCK_UN)
+                hold[0].close()
+                del Lock.held[self.path]
+
+    def share(self, seconds):
+        """Within a long hold (a batch of short mutants): lets the others in once the hold has
+        lasted the given seconds."""
+        hold = Lock.held.get(self.path) if self.path else None
+        if hold and hold[1] == 1 and time.time() - hold[2] > seconds:
+            fcntl.flock(hold[0], fcntl.LOCK_UN)
+            time.sleep(1)
+            began = time.time()
+            fcntl.flock(hold[0], fcntl.LOCK_EX)
+            Lock.waited += time.time() - began
+            hold[2] = time.time()
 
 
 def locked(command, lock):
@@ -650,7 +671,12 @@ def main():
     tally = {}
     survivors = []
     started_all = time.time()
+    # The switched path's mutants take seconds each: one hold of the lock serves a batch of them
+    # (about two minutes, like one suite run), then the others get their turn.
+    batch = Lock(args.lock if fast is not None else "")
+    batch.__enter__()
     for index, mutant in enumerate(chosen, args.skip + 1):
+        batch.share(120)
         key = keys[mutant]
         if mutant not in pending and not args.agreement:
             continue
@@ -689,6 +715,7 @@ def main():
         results.add(key, mutant, verdict, suite, test, how, seconds, reason)
         if verdict == "survived":
             survivors.append(describe(mutant))
+    batch.__exit__()
     plain.finish()
     if args.agreement:
         same = sum(1 for _, _, a, b in agreement if a[0] == b[0])

@@ -193,6 +193,11 @@ def binary_span(masked, previous, column, op):
     return start, end
 
 
+def literal_value(text):
+    digits = text.rstrip("uUlL")
+    return int(digits, 16) if digits[:2].lower() == "0x" else int(digits)
+
+
 def in_braces(masked, column):
     """Whether the nearest bracket left open before column on the line is a brace."""
     depth = 0
@@ -320,8 +325,14 @@ def site_of(ident, mutant, line, masked, previous, columns):
         label = re.match(r"^\s*case\b[^:]*:", masked)
         if label and column < label.end():
             return None
-        return Site(ident, mutant, column, column + len(old), "value" if kind == "constant" and in_braces(masked, column)
-                    else "expression")
+        if kind == "constant" and in_braces(masked, column):
+            # Inside braces a literal that no longer fits its element does not build (narrowing),
+            # while the switched one would: one that crosses a width is rebuilt instead.
+            if any(literal_value(old) < limit <= literal_value(new) for limit in (0x80, 0x100, 0x8000, 0x10000,
+                                                                                 0x80000000, 0x100000000)):
+                return None
+            return Site(ident, mutant, column, column + len(old), "value")
+        return Site(ident, mutant, column, column + len(old), "expression")
     if kind == "negation":
         end = unary_operand_end(masked, column + 1)
         if not end:

@@ -536,8 +536,9 @@ class Results:
                 for row in csv.DictReader(f):
                     self.rows[row["key"]] = row
 
-    def has(self, key):
-        return key in self.rows and self.rows[key]["verdict"] in ("killed", "survived", "equivalent", "stillborn")
+    def has(self, key, again=()):
+        return key in self.rows and self.rows[key]["verdict"] in ("killed", "survived", "equivalent", "stillborn") \
+            and self.rows[key]["verdict"] not in again
 
     def add(self, key, mutant, verdict, suite, test, how, seconds, reason=""):
         row = {"key": key, "file": mutant[0], "line": mutant[1], "operator": mutant[5], "change": change_text(mutant),
@@ -604,6 +605,9 @@ def main():
                         help="switched build: do not run the full suites on a mutant the tests reaching it let live")
     parser.add_argument("--results", default="",
                         help="table of verdicts to append to and resume from (CSV), e.g. docs/mutation/results.csv")
+    parser.add_argument("--again", default="", metavar="VERDICTS",
+                        help="judge again the table's mutants with these verdicts, e.g. 'survived,stillborn' "
+                             "(after the tests changed)")
     parser.add_argument("--agreement", metavar="CSV",
                         help="judge the chosen mutants both ways and write the comparison to CSV")
     parser.add_argument("--switchable", action="store_true",
@@ -648,7 +652,8 @@ def main():
         judged = Results(args.reference).rows
         chosen = [m for m in listing if keys[m] in judged]
     results = Results(args.results)
-    pending = [m for m in chosen if not results.has(keys[m])]
+    again = tuple(args.again.split(",")) if args.again else ()
+    pending = [m for m in chosen if not results.has(keys[m], again)]
     print("mutants: %d listed (seed %d); %d chosen from #%d, %d of them already judged in %s" %
           (len(everything), args.seed, len(chosen), args.skip + 1, len(chosen) - len(pending),
            args.results or "no table"))

@@ -605,6 +605,8 @@ def main():
                         help="switched build: do not run the full suites on a mutant the tests reaching it let live")
     parser.add_argument("--results", default="",
                         help="table of verdicts to append to and resume from (CSV), e.g. docs/mutation/results.csv")
+    parser.add_argument("--defer-rebuilds", action="store_true",
+                        help="switched build: leave the mutants that need a rebuild of their own to a later run")
     parser.add_argument("--again", default="", metavar="VERDICTS",
                         help="judge again the table's mutants with these verdicts, e.g. 'survived,stillborn' "
                              "(after the tests changed)")
@@ -702,6 +704,8 @@ def main():
                               other + (time.time() - started - Lock.waited,)))
             write_agreement(args.agreement, agreement)
             print("#%d plain %s / fast %s (%s): %s" % (index, verdict, other[0], other[3], describe(mutant)), flush=True)
+            continue
+        if fast is not None and args.defer_rebuilds and not fast.is_switched(mutant):
             continue
         if fast is not None:
             verdict, suite, test, how = fast.judge(mutant, plain)

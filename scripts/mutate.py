@@ -613,7 +613,8 @@ def main():
     parser.add_argument("--agreement", metavar="CSV",
                         help="judge the chosen mutants both ways and write the comparison to CSV")
     parser.add_argument("--switchable", action="store_true",
-                        help="only the mutants the generator switches at run time (for a sample of the agreement check)")
+                        help="only the mutants the generator switches at run time "
+                             "(for a sample of the agreement check)")
     parser.add_argument("--reference", default="",
                         help="with --agreement: a table of verdicts of the rebuild path (from --plain --results) "
                              "to take instead of rebuilding the mutants it has")
@@ -703,7 +704,8 @@ def main():
             agreement.append((key, mutant, (verdict, suite, test, plain_seconds),
                               other + (time.time() - started - Lock.waited,)))
             write_agreement(args.agreement, agreement)
-            print("#%d plain %s / fast %s (%s): %s" % (index, verdict, other[0], other[3], describe(mutant)), flush=True)
+            print("#%d plain %s / fast %s (%s): %s" % (index, verdict, other[0], other[3], describe(mutant)),
+                  flush=True)
             continue
         if fast is not None and args.defer_rebuilds and not fast.is_switched(mutant):
             continue
@@ -727,7 +729,7 @@ def main():
     batch.__exit__()
     plain.finish()
     if args.agreement:
-        same = sum(1 for _, _, a, b in agreement if a[0] == b[0])
+        same = sum(1 for _, _, a, b in agreement if same_verdict(a[0], b[0]))
         print("agreement: %d of %d verdicts identical; written to %s" % (same, len(agreement), args.agreement))
         return 0 if same == len(agreement) else 1
     if args.results:
@@ -735,6 +737,12 @@ def main():
     print_figures(tally, len(pending), survivors)
     print("time: %.0f s for %d mutants" % (time.time() - started_all, len(pending)))
     return 0
+
+
+def same_verdict(a, b):
+    """Whether two verdicts agree; an equivalent mutant is a survivor the list explains."""
+    lived = ("survived", "equivalent")
+    return a == b or (a in lived and b in lived)
 
 
 def write_agreement(path, rows):
@@ -746,7 +754,8 @@ def write_agreement(path, rows):
                          "same"])
         for key, mutant, a, b in rows:
             writer.writerow([key, mutant[0], mutant[1], mutant[5], change_text(mutant), a[0], a[1], a[2],
-                             "%.0f" % a[3], b[0], b[1], b[2], b[3], "%.0f" % b[4], "yes" if a[0] == b[0] else "NO"])
+                             "%.0f" % a[3], b[0], b[1], b[2], b[3], "%.0f" % b[4],
+                             "yes" if same_verdict(a[0], b[0]) else "NO"])
 
 
 def print_figures(tally, count, survivors):

@@ -340,7 +340,8 @@ def site_of(ident, mutant, line, masked, previous, columns):
         before, after = masked[:column].rstrip(), masked[end:].lstrip()
         # As a condition, the operand itself and its value as bool are the same; written so, a
         # smart pointer's '!' switches too (both branches bool).
-        condition = re.search(r"(?:\b(?:if|while) \(|&&|\|\||\bif \(\()$", before) and re.match(r"(?:\)|&&|\|\|)", after)
+        condition = re.search(r"(?:\b(?:if|while) \(|&&|\|\||\bif \(\()$", before) \
+            and re.match(r"(?:\)|&&|\|\|)", after)
         return Site(ident, mutant, column, end, "condition" if condition else "expression")
     if kind == "loop-bound":
         return Site(ident, mutant, column, column + len(old), "expression")
@@ -555,7 +556,8 @@ class FastEngine:
         named = set()
         files = set()
         precise = set()
-        for m in re.finditer(r"(?m)(\S+?\.(?:cpp|h)):(\d+):(?:(\d+):)? (error|note|required from|warning)(.*)$", output):
+        message = re.compile(r"(?m)(\S+?\.(?:cpp|h)):(\d+):(?:(\d+):)? (error|note|required from|warning)(.*)$")
+        for m in message.finditer(output):
             path = os.path.normpath(m.group(1) if os.path.isabs(m.group(1)) else os.path.join(self.build, m.group(1)))
             if not path.startswith(src):
                 continue

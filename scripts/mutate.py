@@ -675,7 +675,8 @@ def main():
         fast.prepare()
     equivalents = load_equivalents()
     reference = Results(args.reference)
-    agreement = []
+    agreement = read_agreement(args.agreement, keys) if args.agreement else []
+    compared = set(row[0] for row in agreement)
     tally = {}
     survivors = []
     started_all = time.time()
@@ -689,6 +690,8 @@ def main():
         if mutant not in pending and not args.agreement:
             continue
         started = time.time() - Lock.waited
+        if args.agreement and key in compared:
+            continue  # judged both ways by an earlier run of the check
         if args.agreement:
             if reference.has(key):
                 row = reference.rows[key]
@@ -737,6 +740,22 @@ def main():
     print_figures(tally, len(pending), survivors)
     print("time: %.0f s for %d mutants" % (time.time() - started_all, len(pending)))
     return 0
+
+
+def read_agreement(path, keys):
+    """The rows of an earlier run of the agreement check whose mutants are still listed."""
+    rows = []
+    if not os.path.exists(path):
+        return rows
+    by_key = {key: mutant for mutant, key in keys.items()}
+    with open(path, newline="", encoding="utf-8") as f:
+        for row in csv.DictReader(f):
+            if row["key"] in by_key:
+                rows.append((row["key"], by_key[row["key"]],
+                             (row["plain verdict"], row["plain suite"], row["plain test"], float(row["plain seconds"])),
+                             (row["fast verdict"], row["fast suite"], row["fast test"], row["fast how"],
+                              float(row["fast seconds"]))))
+    return rows
 
 
 def same_verdict(a, b):

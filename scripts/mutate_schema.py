@@ -736,6 +736,7 @@ class FastEngine:
         # The suites' shares in the order of their time alone, shortest first; each stops at its
         # first failed test.
         order = sorted(reaching, key=lambda suite: sum(seconds for _, seconds in reaching[suite]))
+        crashed = ""
         with self.base.Lock(self.lock):
             for suite in order:
                 tests = reaching[suite]
@@ -744,15 +745,24 @@ class FastEngine:
                 if len(":".join(names)) > 20000:
                     names = None  # too long a command line: the whole suite
                 passed, failed = self.gtest(suite, names, env, limit, fail_fast=True)
+                if not passed and failed.startswith("("):
+                    # A crash, a hang or an early exit of the tests alone: memory the mutant
+                    # corrupts may go unseen when the whole suite runs (another heap layout), as in
+                    # the rebuild's run, so the whole suite decides.
+                    passed, failed = self.ctest(suite, ident)
+                    if passed:
+                        crashed = "; %s crashed with only the tests reaching it, passed whole" % suite
+                        continue
+                    return "killed", suite, failed, "switched, %s whole after a crash" % suite
                 if not passed:
                     return "killed", suite, failed, "switched, %d reaching tests" % sum(map(len, reaching.values()))
             if not self.confirm:
-                return "survived", "", "", "switched, reaching tests only"
+                return "survived", "", "", "switched, reaching tests only" + crashed
             for suite in self.base.SUITES:
                 passed, failed = self.ctest(suite, ident)
                 if not passed:
-                    return "killed", suite, failed, "switched, full suites"
-        return "survived", "", "", "switched, full suites"
+                    return "killed", suite, failed, "switched, full suites" + crashed
+        return "survived", "", "", "switched, full suites" + crashed
 
 
 def switchable(listing, mask):

@@ -17,11 +17,11 @@ failed=0
 for laptop in intel-laptop amd-laptop; do
   run lumaven-sim.exe install "profiles/$laptop.json" >/dev/null
   status=0
-  table=$(run xelto-host.exe --quiet bench "$rounds") || status=$?
+  table=$(run lumaven-bench.exe "$rounds") || status=$?
   printf '\n== %s\n' "$laptop"
-  printf '%s\n' "$table" | grep -v -e '^service ' -e '^startup_task done'
+  printf '%s\n' "$table"
   if [ "$status" -ne 0 ]; then
-    echo "xelto-host bench exited with code $status on $laptop" >&2
+    echo "lumaven-bench exited with code $status on $laptop" >&2
     failed=1
   fi
 done

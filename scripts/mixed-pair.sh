@@ -3,8 +3,8 @@
 # MinGW libstdc++ with posix threads, linked statically into each) must work together, since
 # std::function and std::wstring cross the contract. Runs the scenario suite, which drives
 # LumavenService.dll in process and through the reference host xelto-host.exe, with the host
-# side (scenario_tests.exe, xelto-host.exe, lumaven-exit-host.exe, XeltoLog.dll, the
-# simulated laptop) of one build and the LumavenService.dll of the other, both ways:
+# side (scenario_tests.exe, xelto-host.exe, lumaven-bench.exe, lumaven-exit-host.exe,
+# XeltoLog.dll, the simulated laptop) of one build and the LumavenService.dll of the other, both ways:
 #   clang-host-gcc-service   Clang's host side, GCC's service
 #   gcc-host-clang-service   GCC's host side, Clang's service
 # Needs both build trees (scripts/build.sh mingw, scripts/build.sh clang). Each pair runs in
@@ -19,7 +19,7 @@ root=$(pwd)
 gcc_tree=$root/build
 clang_tree=$root/build-clang
 mixed=$root/build-mixed
-host_files="scenario_tests.exe xelto-host.exe lumaven-exit-host.exe XeltoLog.dll lumaven-sim.exe sim profiles demo"
+host_files="scenario_tests.exe xelto-host.exe lumaven-bench.exe lumaven-exit-host.exe XeltoLog.dll lumaven-sim.exe sim profiles demo"
 
 for tree in "$gcc_tree" "$clang_tree"; do
   for file in $host_files LumavenService.dll; do

@@ -3,7 +3,6 @@
 #include "CommandNames.h"
 #include "FileVersion.h"
 #include "LibraryProbe.h"
-#include "ServiceHost.h"
 
 #include "xelto/LogSink.h"
 
@@ -20,6 +19,9 @@
 namespace XeltoHost {
 
 namespace {
+
+using XeltoClient::CommandName;
+using XeltoClient::StatusName;
 
 // The commands that only read: the OLED panel check, the stored state, the OPST probe, the
 // OLED support query and the VariBright query. None writes the registry or the panel.
@@ -109,7 +111,7 @@ void WritePanel(Writer& out, const std::vector<LogLine>& log)
     out.String(text);
 }
 
-void WriteQuery(Writer& out, uint32_t command, const CommandOutcome& outcome)
+void WriteQuery(Writer& out, uint32_t command, const XeltoClient::Reply& outcome)
 {
     out.StartObject();
     out.Key("command");
@@ -179,10 +181,10 @@ int RunReport(const std::wstring& dllPath, bool startup)
     std::vector<LogLine> log;
     Xelto::Logging::SetSink(&CollectLogLine, &log);
 
-    ServiceHost host;
+    XeltoClient::LoadedService host;
     std::string reason;
-    const bool created = host.Create(dllPath, reason);
-    std::vector<std::pair<uint32_t, CommandOutcome>> queries;
+    const bool created = host.Create(dllPath, reason, XeltoClient::LoadedService::AtEnd::KeepLoaded);
+    std::vector<std::pair<uint32_t, XeltoClient::Reply>> queries;
     if (created) {
         if (startup) {
             host.Startup();

@@ -1,10 +1,9 @@
 // xelto-host: the reference host. Loads a service DLL, runs its start-up task, sends commands
 // and display-power events, prints statuses, responses and log lines, and destroys it.
-#include "Bench.h"
 #include "CommandNames.h"
 #include "FileVersion.h"
 #include "Report.h"
-#include "ServiceHost.h"
+#include "XeltoClient.h"
 
 #include "xelto/LogSink.h"
 
@@ -19,11 +18,11 @@
 
 namespace {
 
-using XeltoHost::ServiceHost;
+using XeltoClient::LoadedService;
 
-constexpr int kExitOk = 0;
-constexpr int kExitUsage = 2;
-constexpr int kExitUnavailable = 3;
+using XeltoClient::kExitOk;
+using XeltoClient::kExitUnavailable;
+using XeltoClient::kExitUsage;
 
 void PrintUsage()
 {
@@ -37,9 +36,6 @@ void PrintUsage()
                 "  create                  only create the service (and run its start-up task)\n"
                 "  report                  field report: the read-only commands (4, 7, 8, 10, 13), the\n"
                 "                          versions, the vendor libraries found, the log; one JSON document\n"
-                "  bench [ROUNDS] [ROW]    time every command, display-power events and the start-up\n"
-                "                          against the bare calls they cannot avoid (default 21 rounds;\n"
-                "                          ROW: only the rows of one command number, event or start-up)\n"
                 "options:\n"
                 "  --dll PATH              the service DLL (default: LumavenService.dll beside this program)\n"
                 "  --no-startup            do not run startup_task after creating the service\n"
@@ -77,14 +73,6 @@ void PrintVersions(const std::wstring& dllPath)
     PrintFileVersion(L"XeltoLog.dll", XeltoHost::LoadedModulePath(L"XeltoLog.dll"));
 }
 
-std::wstring DefaultDllPath()
-{
-    wchar_t path[MAX_PATH];
-    const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
-    std::wstring directory(path, length);
-    return directory.substr(0, directory.find_last_of(L"\\/") + 1) + L"LumavenService.dll";
-}
-
 bool ReadFileText(const std::wstring& path, std::wstring& text)
 {
     std::ifstream in(path.c_str(), std::ios::binary);
@@ -110,10 +98,10 @@ std::wstring Trim(const std::wstring& text)
 }
 
 // One action: the words of a command line or of a script line.
-int RunAction(ServiceHost& host, const std::wstring& verb, const std::wstring& target, const std::wstring& extra)
+int RunAction(LoadedService& host, const std::wstring& verb, const std::wstring& target, const std::wstring& extra)
 {
     if (verb == L"run") {
-        const auto command = XeltoHost::ParseCommand(target);
+        const auto command = XeltoClient::ParseCommand(target);
         if (!command) {
             std::fprintf(stderr, "xelto-host: unknown command '%ls'\n", target.c_str());
             return kExitUsage;
@@ -123,15 +111,15 @@ int RunAction(ServiceHost& host, const std::wstring& verb, const std::wstring& t
             std::fprintf(stderr, "xelto-host: cannot read the request file '%ls'\n", extra.c_str() + 1);
             return kExitUsage;
         }
-        const XeltoHost::CommandOutcome outcome = host.Run(*command, request.c_str());
-        std::printf("command %u %s: %s (0x%08X) %ls\n", *command, XeltoHost::CommandName(*command),
-                    XeltoHost::StatusName(outcome.status), outcome.status,
+        const XeltoClient::Reply outcome = host.Run(*command, request.c_str());
+        std::printf("command %u %s: %s (0x%08X) %ls\n", *command, XeltoClient::CommandName(*command),
+                    XeltoClient::StatusName(outcome.status), outcome.status,
                     outcome.hasResponse ? outcome.response.c_str() : L"(no response)");
         std::fflush(stdout);
         return kExitOk;
     }
     if (verb == L"event") {
-        const auto event = XeltoHost::ParsePowerEvent(target);
+        const auto event = XeltoClient::ParsePowerEvent(target);
         if (!event) {
             std::fprintf(stderr, "xelto-host: unknown event '%ls'\n", target.c_str());
             return kExitUsage;
@@ -145,7 +133,7 @@ int RunAction(ServiceHost& host, const std::wstring& verb, const std::wstring& t
     return kExitUsage;
 }
 
-int RunScript(ServiceHost& host, const std::wstring& path)
+int RunScript(LoadedService& host, const std::wstring& path)
 {
     std::wstring text;
     if (!ReadFileText(path, text)) {
@@ -176,7 +164,7 @@ int RunScript(ServiceHost& host, const std::wstring& path)
 
 int wmain(int argc, wchar_t** argv)
 {
-    std::wstring dllPath = DefaultDllPath();
+    std::wstring dllPath = XeltoClient::BesideThisProgram(L"LumavenService.dll");
     bool startup = true;
     bool quiet = false;
     bool version = false;
@@ -213,8 +201,7 @@ int wmain(int argc, wchar_t** argv)
     if (verb == L"report" && words.size() == 1) {
         return XeltoHost::RunReport(dllPath, startup);
     }
-    const bool known = verb == L"create" || (verb == L"bench" && words.size() <= 3) ||
-                       (verb == L"script" && words.size() == 2) ||
+    const bool known = verb == L"create" || (verb == L"script" && words.size() == 2) ||
                        ((verb == L"run" || verb == L"event") && words.size() >= 2 && words.size() <= 3);
     if (!known) {
         std::fprintf(stderr, "xelto-host: wrong arguments for '%ls' (see --help)\n", verb.c_str());
@@ -224,9 +211,10 @@ int wmain(int argc, wchar_t** argv)
         Xelto::Logging::SetSink(&PrintLogLine, nullptr);
     }
 
-    ServiceHost host;
+    // The DLL stays loaded to the host's end, as the Xelto host keeps it.
+    LoadedService host;
     std::string reason;
-    if (!host.Create(dllPath, reason)) {
+    if (!host.Create(dllPath, reason, LoadedService::AtEnd::KeepLoaded)) {
         std::fprintf(stderr, "xelto-host: %s\n", reason.c_str());
         return kExitUnavailable;
     }
@@ -240,10 +228,6 @@ int wmain(int argc, wchar_t** argv)
     int code = kExitOk;
     if (verb == L"script") {
         code = RunScript(host, words[1]);
-    } else if (verb == L"bench") {
-        const unsigned rounds =
-            words.size() > 1 ? static_cast<unsigned>(std::wcstoul(words[1].c_str(), nullptr, 10)) : 21;
-        code = XeltoHost::RunBench(host, rounds, words.size() > 2 ? words[2] : L"");
     } else if (verb != L"create") {
         code = RunAction(host, verb, words[1], words.size() > 2 ? words[2] : L"");
     }

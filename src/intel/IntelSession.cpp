@@ -25,12 +25,6 @@ bool WorksOnAttachedDisplaysOnly(uint32_t mode)
     return mode == kModeEdOn || mode == kModeEdOff || mode == kModeOpstSupport;
 }
 
-bool IsKnownMode(uint32_t mode)
-{
-    return mode == kModeGetOpst || mode == kModeEnableOpst || mode == kModeDisableOpst || mode == kModeEdOn ||
-           mode == kModeEdOff || mode == kModeOpstSupport;
-}
-
 bool IsAttached(ctl_display_output_handle_t display)
 {
     ctl_display_properties_t properties{};
@@ -48,7 +42,7 @@ bool RunMode(uint32_t mode, ctl_display_output_handle_t display, ctl_result_t& s
     case kModeEdOn: return SetPanelAuxState(display, status, true);
     case kModeEdOff: return SetPanelAuxState(display, status, false);
     case kModeOpstSupport: return IsOpstSupported(display, status);
-    default: return false;
+    default: return false;  // a mode outside the table touches no display and leaves the status 0
     }
 }
 
@@ -72,7 +66,7 @@ uint8_t ApplyToTargetDisplays(ctl_display_output_handle_t* displays, uint32_t di
                               uint32_t mode)
 {
     status = CTL_RESULT_SUCCESS;
-    if (displayCount == 0 || !IsKnownMode(mode)) {
+    if (displayCount == 0) {
         return 0;
     }
     uint8_t result = 0;

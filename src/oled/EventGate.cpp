@@ -23,13 +23,17 @@ void EventGate::Release()
 
 std::chrono::steady_clock::time_point EventGate::OneSecondFromNow()
 {
+    return OneSecondAfter(std::chrono::steady_clock::now());
+}
+
+std::chrono::steady_clock::time_point EventGate::OneSecondAfter(std::chrono::steady_clock::time_point from)
+{
     using Clock = std::chrono::steady_clock;
-    const Clock::time_point now = Clock::now();
     const auto oneSecond = std::chrono::duration_cast<Clock::duration>(std::chrono::seconds(1));
-    if (now > Clock::time_point::max() - oneSecond) {
+    if (from > Clock::time_point::max() - oneSecond) {
         return Clock::time_point::max();
     }
-    return now + oneSecond;
+    return from + oneSecond;
 }
 
 }  // namespace Xelto::Spanlet::Server::Services::Lumaven

@@ -16,6 +16,8 @@ public:
 
     // now + 1 s, saturating at the clock's largest time point.
     static std::chrono::steady_clock::time_point OneSecondFromNow();
+    // `from` + 1 s, saturating likewise: a clock near its end must not wrap into the past.
+    static std::chrono::steady_clock::time_point OneSecondAfter(std::chrono::steady_clock::time_point from);
 
 private:
     std::mutex m_lock;

@@ -74,9 +74,21 @@ constexpr std::array<CommandEntry, 15> kCommands = {{
     {&Invoke<&LumavenService::_SetVaribright>, CommandLock::Adlx},                 // 14
 }};
 
+// Every number from 1 up names a handler; 0 is the one row without.
+constexpr bool EveryCommandHasAHandler()
+{
+    for (size_t command = 1; command < kCommands.size(); ++command) {
+        if (kCommands[command].invoke == nullptr) {
+            return false;
+        }
+    }
+    return kCommands[0].invoke == nullptr;
+}
+static_assert(EveryCommandHasAHandler());
+
 const CommandEntry* FindCommand(uint32_t command)
 {
-    if (command == 0 || command >= kCommands.size() || kCommands[command].invoke == nullptr) {
+    if (command == 0 || command >= kCommands.size()) {
         return nullptr;
     }
     return &kCommands[command];

@@ -15,19 +15,15 @@
 
 // The readers of the simulated drivers' state that the AMD unit suites use.
 #include "../unit/AdlSimSupport.h"
+#include "../unit/ServiceProcessState.h"
 #include "LogCapture.h"
-#include "PowerSettings.h"
-#include "ServiceCall.h"
+#include "XeltoClient.h"
 #include "SimMachine.h"
 
 #include "IntelState.h"
 #include "SimState.h"
 
 #include "amd/ADLXHelper.h"
-#include "amd/AdlAuxChannel.h"
-#include "intel/ControlLibClient.h"
-#include "intel/OpstProbe.h"
-#include "oled/OledEvent.h"
 #include "oled/SettingsStore.h"
 #include "service/LumavenService.h"
 #include "util/UniqueHandles.h"
@@ -152,21 +148,6 @@ std::map<std::string, std::unique_ptr<LumavenService>>& Services()
     return services;
 }
 
-// Nothing of an earlier row may linger: a library it left loaded (which would also stop the
-// installer from replacing it), the shared OPST record, the display state of the event path.
-void ResetProcess()
-{
-    if (controlLibModule != nullptr) {
-        FreeLibrary(controlLibModule);
-        controlLibModule = nullptr;
-    }
-    runtimePathArgs = nullptr;
-    g_opstSettings = {};
-    g_prevDisplayState = -1;
-    g_ADLXHelp.Terminate();
-    ReleaseAdlBinding();
-}
-
 struct RawValue {
     DWORD type = REG_NONE;
     std::vector<BYTE> bytes;
@@ -283,31 +264,12 @@ LumavenService& ServiceFor(Machine machine)
     return *service;
 }
 
-struct Outcome {
-    uint32_t status = 0;
-    bool hasResponse = false;
-    std::wstring response;
-};
-
-Outcome Run(LumavenService& service, const Action& action)
+XeltoClient::Reply Run(LumavenService& service, const Action& action)
 {
-    Outcome outcome;
+    XeltoClient::Reply outcome;
     switch (action.kind) {
-    case Act::Command: {
-        const LumavenTest::CallResult result = LumavenTest::Call(service, action.command, action.request);
-        outcome.status = result.status;
-        outcome.hasResponse = result.hasResponse;
-        outcome.response = result.response;
-        break;
-    }
-    case Act::Event: {
-        POWERBROADCAST_SETTING record{};
-        record.PowerSetting = LumavenTest::kConsoleDisplayState;
-        record.DataLength = sizeof(DWORD);
-        record.Data[0] = 1;
-        outcome.status = service.oled_power_event_task(nullptr, &record);
-        break;
-    }
+    case Act::Command: outcome = XeltoClient::RunCommand(service, action.command, action.request); break;
+    case Act::Event: outcome.status = XeltoClient::Deliver(service, XeltoClient::PowerEvent::DisplayOn); break;
     case Act::SetOnReadOnlyKey: {
         const UniqueHkey key = OpenSettingsKey(KEY_READ);
         outcome.status = SetSettingsDword(key.get(), kValueName, 0) ? 1 : 0;
@@ -631,7 +593,10 @@ std::string Hex(uint32_t value)
 std::vector<std::string> RunRow(const FaultRow& row)
 {
     std::vector<std::string> mismatches;
-    ResetProcess();
+    // Nothing of an earlier row may linger: a library it left loaded (which would also stop
+    // the installer from replacing it), the shared OPST record, the display state of the
+    // event path.
+    LumavenTest::ResetServiceProcessState();
     LumavenTest::InstallProfile(ProfileJson(row));
     LumavenService& service = ServiceFor(row.machine);
     if (service.m_videoController != Setup(row.machine).vendor) {
@@ -640,7 +605,7 @@ std::vector<std::string> RunRow(const FaultRow& row)
     }
     if (row.arrange != Arrange::None) {
         const uint32_t command = row.arrange == Arrange::AdlxInitialized ? 10 : 8;
-        const auto arranged = LumavenTest::Call(service, command);
+        const auto arranged = XeltoClient::RunCommand(service, command);
         if (arranged.status != StatusSuccess || arranged.response.find(L"true") == std::wstring::npos) {
             mismatches.push_back("the arrangement (command " + std::to_string(command) + ") did not succeed");
             return mismatches;
@@ -649,7 +614,7 @@ std::vector<std::string> RunRow(const FaultRow& row)
     ArrangeRegistry(row.before);
     Arm(row.faults);
 
-    Outcome outcome;
+    XeltoClient::Reply outcome;
     std::vector<LumavenTest::LogRecord> records;
     {
         LumavenTest::LogCapture capture;
@@ -687,7 +652,7 @@ class FaultReport : public ::testing::Environment {
 public:
     void TearDown() override
     {
-        ResetProcess();
+        LumavenTest::ResetServiceProcessState();
         Services().clear();
         ClearRegistry();
 

@@ -1,7 +1,7 @@
 #include "EntryRun.h"
 
 #include "LogCapture.h"
-#include "PowerSettings.h"
+#include "XeltoClient.h"
 
 #include <windows.h>
 
@@ -68,8 +68,8 @@ Outcome RunEntry(Entry entry, uint32_t command, const wchar_t* request,
         case Entry::Startup: hosted->Service().startup_task(); break;
         case Entry::Command: outcome.call = hosted->Run(command, request); break;
         case Entry::Event:
-            hosted->Deliver(LumavenTest::kConsoleDisplayState, 0);
-            hosted->Deliver(LumavenTest::kConsoleDisplayState, 1);
+            hosted->Deliver(XeltoClient::kConsoleDisplayState, 0);
+            hosted->Deliver(XeltoClient::kConsoleDisplayState, 1);
             break;
         }
     } catch (const std::bad_alloc&) {
@@ -95,6 +95,32 @@ Outcome RunEntry(Entry entry, uint32_t command, const wchar_t* request,
         outcome.logs.push_back(Tagged(record));
     }
     return outcome;
+}
+
+LoadedDll::LoadedDll()
+{
+    m_module = LoadLibraryW(L"LumavenService.dll");
+    if (m_module == nullptr) {
+        return;
+    }
+    m_patch = std::make_unique<PatchedImports>(m_module);
+    SkipWaits();
+    FailNthAllocation(1);
+    {
+        const LumavenTest::HostedService failed(false);
+    }
+    FailNthAllocation(0);
+    const LumavenTest::HostedService created(false);
+}
+
+void LoadedDll::Unload()
+{
+    if (m_module != nullptr) {
+        m_patch->LeaveForUnload();
+        FreeLibrary(m_module);
+        m_module = nullptr;
+    }
+    DisarmAll();
 }
 
 }  // namespace LumavenOsFaults

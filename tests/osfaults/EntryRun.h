@@ -4,7 +4,8 @@
 #pragma once
 
 #include "HostedService.h"
-#include "ServiceCall.h"
+#include "ImportHooks.h"
+#include "XeltoClient.h"
 
 #include <cstdint>
 #include <memory>
@@ -24,7 +25,7 @@ struct Outcome {
     bool created = true;   // the factory: a service came back
     bool returned = true;  // false: an exception left the entry point
     std::string thrown;    // its type, when one did
-    LumavenTest::CallResult call;
+    XeltoClient::Reply call;
     // "I:", "W:" or "E:" and the rendered text, in order.
     std::vector<std::wstring> logs;
 
@@ -41,5 +42,27 @@ Outcome RunEntry(Entry entry, uint32_t command, const wchar_t* request,
                  std::unique_ptr<LumavenTest::HostedService>& hosted);
 
 std::string Narrow(const std::wstring& text);
+
+// The shipped DLL loaded with its imports patched. Its runtime keeps a few blocks for as long
+// as the thread or the process lives, made on first use: the first exception thrown on a
+// thread makes its per-thread blocks, the first function-local static made makes the lock
+// that guards them all. One failed factory call and one service made make them before
+// anything is counted.
+class LoadedDll {
+public:
+    LoadedDll();
+    ~LoadedDll() { Unload(); }
+    LoadedDll(const LoadedDll&) = delete;
+    LoadedDll& operator=(const LoadedDll&) = delete;
+
+    bool Loaded() const { return m_module != nullptr; }
+    // Unloaded with the hooks in place, so that what the DLL gives back as it goes is
+    // counted; its import table goes with it.
+    void Unload();
+
+private:
+    HMODULE m_module = nullptr;
+    std::unique_ptr<PatchedImports> m_patch;
+};
 
 }  // namespace LumavenOsFaults

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
 #include <map>
 #include <mutex>
 #include <type_traits>
@@ -121,6 +122,7 @@ struct Heap {
     uint64_t made = 0;
     int calls = 0;
     int failAt = 0;
+    size_t failFrom = 0;  // every allocation of this many bytes or more fails; 0: none
 };
 
 Heap& DllHeap()
@@ -129,12 +131,13 @@ Heap& DllHeap()
     return heap;
 }
 
-// Counts one allocation call of the sequence; true when it is the one that fails.
-bool SequenceFails()
+// Counts one allocation call of the sequence; true when it is the one that fails, or when it
+// asks for more than memory has room for.
+bool SequenceFails(size_t size)
 {
     Heap& heap = DllHeap();
     const std::lock_guard guard(heap.lock);
-    return ++heap.calls == heap.failAt;
+    return ++heap.calls == heap.failAt || (heap.failFrom != 0 && size >= heap.failFrom);
 }
 
 void* Tracked(void* block, size_t size)
@@ -155,9 +158,9 @@ void Untracked(void* block)
 }
 
 template <class Hooked>
-bool AllocationFails()
+bool AllocationFails(size_t size)
 {
-    const bool sequence = SequenceFails();
+    const bool sequence = SequenceFails(size);
     intptr_t ignored = 0;
     const bool own = Hooked::hook.Fires(ignored);
     return sequence || own;
@@ -179,7 +182,7 @@ using BstrFree = LUMAVEN_IMPORT("OLEAUT32.dll", SysFreeString);
 
 void* HookedMalloc(size_t size)
 {
-    if (AllocationFails<Malloc>()) {
+    if (AllocationFails<Malloc>(size)) {
         errno = ENOMEM;
         return nullptr;
     }
@@ -188,7 +191,7 @@ void* HookedMalloc(size_t size)
 
 void* HookedCalloc(size_t count, size_t size)
 {
-    if (AllocationFails<Calloc>()) {
+    if (AllocationFails<Calloc>(count * size)) {
         errno = ENOMEM;
         return nullptr;
     }
@@ -198,7 +201,7 @@ void* HookedCalloc(size_t count, size_t size)
 // A failed realloc leaves the block where it was, with its owner.
 void* HookedRealloc(void* block, size_t size)
 {
-    if (AllocationFails<Realloc>()) {
+    if (AllocationFails<Realloc>(size)) {
         errno = ENOMEM;
         return nullptr;
     }
@@ -211,7 +214,7 @@ void* HookedRealloc(void* block, size_t size)
 
 char* HookedStrdup(const char* text)
 {
-    if (AllocationFails<Strdup>()) {
+    if (AllocationFails<Strdup>(std::strlen(text) + 1)) {
         errno = ENOMEM;
         return nullptr;
     }
@@ -228,7 +231,7 @@ void HookedFree(void* block)
 
 BSTR WINAPI HookedBstrAlloc(const OLECHAR* text, UINT length)
 {
-    if (AllocationFails<BstrAlloc>()) {
+    if (AllocationFails<BstrAlloc>(length * sizeof(OLECHAR))) {
         return nullptr;
     }
     return static_cast<BSTR>(Tracked(Original<BstrAlloc>()(text, length), length * sizeof(OLECHAR)));
@@ -295,6 +298,7 @@ using LoadLibraryEx = LUMAVEN_IMPORT("KERNEL32.dll", LoadLibraryExW);
 using LoadLibraryPlain = LUMAVEN_IMPORT("KERNEL32.dll", LoadLibraryW);
 using FreeLibraryImport = LUMAVEN_IMPORT("KERNEL32.dll", FreeLibrary);
 using ClassGuids = LUMAVEN_IMPORT("SETUPAPI.dll", SetupDiClassGuidsFromNameW);
+using QueryValue = LUMAVEN_IMPORT("ADVAPI32.dll", RegQueryValueExW);
 
 LSTATUS WINAPI HookedOpenKey(HKEY parent, LPCWSTR name, DWORD options, REGSAM access, PHKEY key)
 {
@@ -375,12 +379,27 @@ BOOL WINAPI HookedFreeLibrary(HMODULE module)
 struct Answers {
     bool arrays = false;
     DWORD classGuidCount = 0;
+    DWORD edidClaim = 0;
 };
 
 Answers& Answer()
 {
     static Answers answers;
     return answers;
+}
+
+// A read of "EDID" that the claim answers: more data, of the claimed size, whatever room the
+// caller gave.
+LSTATUS WINAPI HookedQueryValue(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size)
+{
+    const LSTATUS status = QueryValue::Call(key, name, reserved, type, data, size);
+    const DWORD claim = Answer().edidClaim;
+    if (claim == 0 || name == nullptr || std::wcscmp(name, L"EDID") != 0 || size == nullptr ||
+        (status != ERROR_SUCCESS && status != ERROR_MORE_DATA)) {
+        return status;
+    }
+    *size = claim;
+    return ERROR_MORE_DATA;
 }
 
 // With a count to report, the list is filled as far as it holds real GUIDs, and the call
@@ -548,7 +567,7 @@ std::vector<Hook*> MakeHooks()
         Bind(CloseKey::hook, &HookedCloseKey),
         Bind(CreateKey::hook, &HookedCreateKey),
         Bind(OpenKey::hook, &HookedOpenKey),
-        LUMAVEN_GENERIC("ADVAPI32.dll", RegQueryValueExW),
+        Bind(QueryValue::hook, &HookedQueryValue),
         LUMAVEN_GENERIC("ADVAPI32.dll", RegSetValueExW),
         Bind(ClassGuids::hook, &HookedClassGuids),
         Bind(DestroyDeviceList::hook, &HookedDestroyDeviceList),
@@ -616,6 +635,8 @@ void DisarmAll()
     FailNthAllocation(0);
     AnswerStringPropertiesAsArrays(false);
     AnswerClassGuidCount(0);
+    AnswerEdidClaim(0);
+    FailAllocationsFrom(0);
 }
 
 void SkipWaits()
@@ -631,6 +652,11 @@ void AnswerStringPropertiesAsArrays(bool on)
 void AnswerClassGuidCount(DWORD count)
 {
     Answer().classGuidCount = count;
+}
+
+void AnswerEdidClaim(DWORD bytes)
+{
+    Answer().edidClaim = bytes;
 }
 
 HeldHandles Held()
@@ -661,6 +687,13 @@ void FailNthAllocation(int nth)
     const std::lock_guard guard(heap.lock);
     heap.calls = 0;
     heap.failAt = nth;
+}
+
+void FailAllocationsFrom(size_t bytes)
+{
+    Heap& heap = DllHeap();
+    const std::lock_guard guard(heap.lock);
+    heap.failFrom = bytes;
 }
 
 int AllocationCalls()

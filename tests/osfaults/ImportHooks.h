@@ -73,6 +73,9 @@ void SkipWaits();
 // SysAllocStringLen count towards it, and the nth of them fails (each as its own function
 // fails for want of memory). Disarmed with 0.
 void FailNthAllocation(int nth);
+// Every allocation of at least this many bytes fails as well, as where memory is short for a
+// large block only. Disarmed with 0.
+void FailAllocationsFrom(size_t bytes);
 // Allocation calls since the last FailNthAllocation.
 int AllocationCalls();
 // Blocks the DLL allocated through its imports (heap blocks and BSTRs) and has not freed.
@@ -95,7 +98,7 @@ HeldHandles Held();
 void ForgetHeld();
 
 // Hostile but legal answers of a working system, for the paths that only such answers reach.
-// Each stays in force until changed; DisarmAll resets both.
+// Each stays in force until changed; DisarmAll resets them all.
 // - IWbemClassObject::Get hands a string property back as an array of that one string, as a
 //   provider may for an array-valued property.
 void AnswerStringPropertiesAsArrays(bool on);
@@ -103,6 +106,10 @@ void AnswerStringPropertiesAsArrays(bool on);
 //   filling what the caller's list holds with the real ones.
 void AnswerClassGuidCount(DWORD count);
 
+// - RegQueryValueExW answers every read of a value named "EDID" with ERROR_MORE_DATA and this
+//   size (0: the truth), as a value rewritten between two reads, or a filter that misreports
+//   it, may.
+void AnswerEdidClaim(DWORD bytes);
 // While alive, the DLL's import address table points at the hooks; the destructor restores
 // it. Imports without a hook are left as they are.
 class PatchedImports {

@@ -102,51 +102,6 @@ void Join(Apartment apartment)
     }
 }
 
-// The shipped DLL loaded with its imports patched. Its runtime keeps a few blocks for as long
-// as the thread or the process lives, made on first use: the first exception thrown on a
-// thread makes its per-thread blocks, the first function-local static made makes the lock
-// that guards them all. One failed factory call and one service made make them
-// before anything is counted.
-class LoadedDll {
-public:
-    LoadedDll()
-    {
-        m_module = LoadLibraryW(L"LumavenService.dll");
-        if (m_module == nullptr) {
-            return;
-        }
-        m_patch = std::make_unique<PatchedImports>(m_module);
-        SkipWaits();
-        FailNthAllocation(1);
-        {
-            const HostedService failed(false);
-        }
-        FailNthAllocation(0);
-        const HostedService created(false);
-    }
-    ~LoadedDll() { Unload(); }
-    LoadedDll(const LoadedDll&) = delete;
-    LoadedDll& operator=(const LoadedDll&) = delete;
-
-    bool Loaded() const { return m_module != nullptr; }
-
-    // Unloaded with the hooks in place, so that what the DLL gives back as it goes is
-    // counted; its import table goes with it.
-    void Unload()
-    {
-        if (m_module != nullptr) {
-            m_patch->LeaveForUnload();
-            FreeLibrary(m_module);
-            m_module = nullptr;
-        }
-        DisarmAll();
-    }
-
-private:
-    HMODULE m_module = nullptr;
-    std::unique_ptr<PatchedImports> m_patch;
-};
-
 class OsFaults : public ::testing::TestWithParam<size_t> {
 protected:
     void SetUp() override

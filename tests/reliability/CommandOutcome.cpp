@@ -12,18 +12,12 @@ namespace LumavenReliability {
 
 namespace {
 
-using Xelto::Spanlet::Server::Services::CallContext;
-using Xelto::Spanlet::Server::Services::CommandCallback;
-
 constexpr uint32_t kSuccess = 0;
 constexpr uint32_t kUnsupportedCommand = 0x20000001;
 constexpr uint32_t kInvalidArgument = 0x20000002;
 constexpr uint32_t kInvalidRequest = 0x20000003;
 constexpr uint32_t kLastDefinedStatus = 0x20000006;
 constexpr size_t kMaxResponseChars = 65535;
-
-// Stands in *outString before the call; never dereferenced.
-wchar_t* const kUntouched = reinterpret_cast<wchar_t*>(static_cast<uintptr_t>(0x5EA1ED00));
 
 const char* StatusName(uint32_t status)
 {
@@ -46,25 +40,16 @@ bool KnownCommand(uint32_t command)
 
 }  // namespace
 
-Outcome Execute(Xelto::Spanlet::Server::Services::XeltoService& service, const FuzzRequest& request)
+XeltoClient::Reply Execute(Xelto::Spanlet::Server::Services::XeltoService& service, const FuzzRequest& request)
 {
-    Outcome outcome;
-    CallContext context{request.contextWord};
-    wchar_t* response = kUntouched;
-    CommandCallback callback;
-    if (request.withCallback) {
-        callback = [&outcome](uint32_t, const wchar_t*) { ++outcome.callbackCalls; };
-    }
-    outcome.status = service.ExecuteCommand(
-        request.nullContext ? nullptr : &context, request.command, request.nullMessage ? nullptr : request.text.c_str(),
-        request.nullOutString ? nullptr : &response, std::move(callback), request.extra);
-    outcome.outStringTouched = response != kUntouched;
-    if (outcome.outStringTouched && response != nullptr) {
-        outcome.hasResponse = true;
-        outcome.response = response;
-        service.FreeBuffer(response);
-    }
-    return outcome;
+    return XeltoClient::Execute(service,
+                                XeltoClient::Call{.command = request.command,
+                                                  .request = request.nullMessage ? nullptr : request.text.c_str(),
+                                                  .contextWord = request.contextWord,
+                                                  .withContext = !request.nullContext,
+                                                  .withOutString = !request.nullOutString,
+                                                  .withCallback = request.withCallback,
+                                                  .extra = request.extra});
 }
 
 bool IsDefinedStatus(uint32_t status)
@@ -97,7 +82,7 @@ std::string CheckResponseText(const std::wstring& response)
     return {};
 }
 
-std::string CheckOutcome(const FuzzRequest& request, bool wellFormed, const Outcome& outcome)
+std::string CheckOutcome(const FuzzRequest& request, bool wellFormed, const XeltoClient::Reply& outcome)
 {
     if (!IsDefinedStatus(outcome.status)) {
         return Format("undefined status 0x%08X", outcome.status);
@@ -109,7 +94,7 @@ std::string CheckOutcome(const FuzzRequest& request, bool wellFormed, const Outc
         if (outcome.status != kInvalidArgument) {
             return Format("null argument answered 0x%08X", outcome.status);
         }
-        if (outcome.outStringTouched) {
+        if (outcome.outStringWritten) {
             return "null argument, but *outString was changed";
         }
         return {};
@@ -118,7 +103,7 @@ std::string CheckOutcome(const FuzzRequest& request, bool wellFormed, const Outc
         if (outcome.status != kInvalidRequest) {
             return Format("malformed request answered 0x%08X", outcome.status);
         }
-        if (!outcome.outStringTouched || outcome.hasResponse) {
+        if (!outcome.outStringWritten || outcome.hasResponse) {
             return "malformed request, but *outString is not null";
         }
         return {};

@@ -5,7 +5,7 @@
 
 #include "RequestFuzzer.h"
 
-#include "xelto/XeltoService.h"
+#include "XeltoClient.h"
 
 #include <cstdint>
 #include <map>
@@ -15,15 +15,7 @@
 
 namespace LumavenReliability {
 
-struct Outcome {
-    uint32_t status = 0;
-    bool outStringTouched = false;  // *outString changed at all
-    bool hasResponse = false;       // ... to a text
-    std::wstring response;
-    int callbackCalls = 0;
-};
-
-Outcome Execute(Xelto::Spanlet::Server::Services::XeltoService& service, const FuzzRequest& request);
+XeltoClient::Reply Execute(Xelto::Spanlet::Server::Services::XeltoService& service, const FuzzRequest& request);
 
 // 0 and 0x20000001..0x20000006.
 bool IsDefinedStatus(uint32_t status);
@@ -31,7 +23,7 @@ bool IsDefinedStatus(uint32_t status);
 // "result" or "BValue" with a boolean or integer value; else what is wrong.
 std::string CheckResponseText(const std::wstring& response);
 // Empty when the call kept the contract; `wellFormed` is the oracle's verdict on the text.
-std::string CheckOutcome(const FuzzRequest& request, bool wellFormed, const Outcome& outcome);
+std::string CheckOutcome(const FuzzRequest& request, bool wellFormed, const XeltoClient::Reply& outcome);
 // Empty when the stored "OLED" value is absent, or a REG_DWORD 0 or 1.
 std::string CheckOledValue();
 // Whether a command may store "OLED" (the OPST and Ed switches, the ELP setter, power save).
@@ -73,7 +65,7 @@ public:
 };
 
 struct CheckedCall {
-    Outcome outcome;
+    XeltoClient::Reply outcome;
     bool reachedHandler = false;  // all pointers given, well-formed, command 1..14
 };
 // Runs one request, checks it against the oracle and the rules above, and records the status

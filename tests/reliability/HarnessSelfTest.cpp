@@ -67,11 +67,11 @@ FuzzRequest Request(uint32_t command, const wchar_t* text)
     return request;
 }
 
-Outcome Answer(uint32_t status, const wchar_t* response)
+XeltoClient::Reply Answer(uint32_t status, const wchar_t* response)
 {
-    Outcome outcome;
+    XeltoClient::Reply outcome;
     outcome.status = status;
-    outcome.outStringTouched = true;
+    outcome.outStringWritten = true;
     outcome.hasResponse = response != nullptr;
     outcome.response = response != nullptr ? response : L"";
     return outcome;
@@ -173,12 +173,12 @@ TEST(ResponseCheck, HoldsEachCallToTheArgumentRules)
 
     FuzzRequest nullMessage = Request(7, L"{}");
     nullMessage.nullMessage = true;
-    Outcome untouched;
+    XeltoClient::Reply untouched;
     untouched.status = 0x20000002;
     EXPECT_EQ(CheckOutcome(nullMessage, true, untouched), "");
     EXPECT_NE(CheckOutcome(nullMessage, true, Answer(0x20000002, nullptr)), "") << "*outString was changed";
 
-    Outcome called = Answer(0, L"{}");
+    XeltoClient::Reply called = Answer(0, L"{}");
     called.callbackCalls = 1;
     EXPECT_NE(CheckOutcome(Request(7, L"{}"), true, called), "") << "the callback must not be called";
 }

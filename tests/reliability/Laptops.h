@@ -2,7 +2,7 @@
 // a host forwards.
 #pragma once
 
-#include "PowerSettings.h"
+#include "XeltoClient.h"
 
 #include <windows.h>
 
@@ -48,8 +48,8 @@ struct LaptopTestName {
 };
 
 // The display-state and lid-switch settings, the two the service acts on.
-inline constexpr const GUID& kDisplayState = LumavenTest::kConsoleDisplayState;
-inline constexpr const GUID& kLidSwitch = LumavenTest::kLidSwitchStateChange;
+inline constexpr const GUID& kDisplayState = XeltoClient::kConsoleDisplayState;
+inline constexpr const GUID& kLidSwitch = XeltoClient::kLidSwitchStateChange;
 // Notifications the service must leave alone when their first byte is 1: AC/DC power source,
 // battery percentage, the older monitor-power setting, session display status.
 inline constexpr GUID kUnrelatedSettings[] = {

@@ -138,10 +138,10 @@ TEST(BenchFloors, StartUpFloorQueriesTheGraphicsAdapterAsTheStartUpTaskDoes)
     EXPECT_TRUE(startup == VendorCalls()) << "start-up:\n" << Lines(startup) << "floor:\n" << Lines(VendorCalls());
 }
 
-TEST(HostBench, PrintsARowForEveryCommandTheEventAndTheStartUp)
+TEST(Bench, PrintsARowForEveryCommandTheEventAndTheStartUp)
 {
     LumavenTest::InstallShippedProfile("amd-laptop");
-    const auto result = LumavenTest::RunProgram(L"xelto-host.exe --quiet bench 1");
+    const auto result = LumavenTest::RunProgram(L"lumaven-bench.exe 1");
     EXPECT_EQ(result.exitCode, 0u) << result.output;
     for (const char* row :
          {"1 _GetOpst", "4 GetIfSystemSupportsOled", "9 SetElp on", "9 SetElp off", "11 _SetOLEDPowerSaveON",

@@ -4,11 +4,7 @@
 // detaches every library of the process, the vendor libraries the service loaded before the
 // service itself. The scenario tests read the simulated drivers' log afterwards.
 //   lumaven-exit-host COMMAND[=REQUEST] ...   e.g. lumaven-exit-host 10 13 "9={\"BValue\":true}"
-#include "ServiceCall.h"
-
-#include "xelto/XeltoService.h"
-
-#include <windows.h>
+#include "XeltoClient.h"
 
 #include <cstdio>
 #include <cwchar>
@@ -16,23 +12,21 @@
 
 int wmain(int argc, wchar_t** argv)
 {
-    // The service and its module are deliberately never released: the process ends with them.
-    const HMODULE module = LoadLibraryW(L"LumavenService.dll");
-    const auto create = module != nullptr ? reinterpret_cast<XeltoCreateServiceFunction>(
-                                                reinterpret_cast<void*>(GetProcAddress(module, "XeltoCreateService")))
-                                          : nullptr;
-    Xelto::Spanlet::Server::Services::XeltoService* const service = create != nullptr ? create() : nullptr;
-    if (service == nullptr) {
+    // The service and its module are deliberately never released: the client is never
+    // destroyed, so the process ends with them.
+    auto* const client = new XeltoClient::LoadedService;
+    std::string reason;
+    if (!client->Create(L"LumavenService.dll", reason, XeltoClient::LoadedService::AtEnd::KeepLoaded)) {
         std::printf("no service\n");
         return 3;
     }
-    service->startup_task();
+    client->Startup();
     for (int i = 1; i < argc; ++i) {
         const std::wstring word = argv[i];
         const size_t equals = word.find(L'=');
         const std::wstring request = equals == std::wstring::npos ? L"{}" : word.substr(equals + 1);
         const auto command = static_cast<uint32_t>(std::wcstoul(word.c_str(), nullptr, 10));
-        const LumavenTest::CallResult result = LumavenTest::Call(*service, command, request.c_str());
+        const XeltoClient::Reply result = client->Run(command, request.c_str());
         std::printf("command %u: status 0x%X %ls\n", command, result.status, result.response.c_str());
     }
     std::fflush(stdout);

@@ -167,8 +167,8 @@ TEST(ProcessEnd, AmdFreeLibraryWithoutDestroyingTheServiceStillReleasesEverythin
     Xelto::Spanlet::Server::Services::XeltoService* const service = create();
     ASSERT_NE(service, nullptr);
     service->startup_task();
-    EXPECT_EQ(LumavenTest::Call(*service, 10).response, L"{\"result\":true}");
-    EXPECT_EQ(LumavenTest::Call(*service, 9, L"{\"BValue\":true}").response, L"{\"result\":false}");
+    EXPECT_EQ(XeltoClient::RunCommand(*service, 10).response, L"{\"result\":true}");
+    EXPECT_EQ(XeltoClient::RunCommand(*service, 9, L"{\"BValue\":true}").response, L"{\"result\":false}");
     EXPECT_NE(GetModuleHandleW(L"atiadlxx.dll"), nullptr) << "the stopped write left ADL loaded";
     FreeLibrary(module);
 

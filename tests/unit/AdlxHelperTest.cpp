@@ -4,6 +4,7 @@
 // driver's state and transaction log. Each test terminates ADLX before and after itself, so
 // no test depends on another's leftovers.
 #include "AdlSimSupport.h"
+#include "ServiceProcessState.h"
 #include "SimMachine.h"
 
 #include "amd/ADLXHelper.h"
@@ -48,8 +49,8 @@ bool Initialized()
 
 class AdlxHelper : public testing::Test {
 protected:
-    void SetUp() override { g_ADLXHelp.Terminate(); }
-    void TearDown() override { g_ADLXHelp.Terminate(); }
+    void SetUp() override { LumavenTest::ResetServiceProcessState(); }
+    void TearDown() override { LumavenTest::ResetServiceProcessState(); }
 };
 
 }  // namespace

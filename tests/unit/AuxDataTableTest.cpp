@@ -71,3 +71,21 @@ TEST(AuxDataTable, KeysOrderByPanelThenOffBeforeOn)
     EXPECT_EQ(Table().begin()->first.panelId, 0x4160834Cu);
     EXPECT_FALSE(Table().begin()->first.on);
 }
+
+TEST(AuxDataTable, WritesAreEqualOnlyInAddressAndBytes)
+{
+    const AuxWrite write{0x4027, {0xC0}};
+    EXPECT_TRUE(write == (AuxWrite{0x4027, {0xC0}}));
+    EXPECT_FALSE(write == (AuxWrite{0x4028, {0xC0}}));
+    EXPECT_FALSE(write == (AuxWrite{0x4027, {0xC1}}));
+    EXPECT_FALSE(write == (AuxWrite{0x4027, {0xC0, 0x00}}));
+}
+
+TEST(AuxDataTable, KeysOrderByPanelAndThenOffBeforeOn)
+{
+    EXPECT_TRUE((AuxDataKey{1, false} < AuxDataKey{1, true}));
+    EXPECT_FALSE((AuxDataKey{1, true} < AuxDataKey{1, false}));
+    EXPECT_FALSE((AuxDataKey{1, true} < AuxDataKey{1, true}));
+    EXPECT_TRUE((AuxDataKey{1, true} < AuxDataKey{2, false}));
+    EXPECT_FALSE((AuxDataKey{2, false} < AuxDataKey{1, true}));
+}

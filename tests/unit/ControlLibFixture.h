@@ -5,6 +5,7 @@
 
 #include "IntelState.h"
 #include "SimMachine.h"
+#include "ServiceProcessState.h"
 #include "SimState.h"
 #include "intel/ControlLibClient.h"
 
@@ -23,15 +24,7 @@ protected:
     void SetUp() override { ForgetLibrary(); }
     void TearDown() override { ForgetLibrary(); }
 
-    static void ForgetLibrary()
-    {
-        using namespace Xelto::Spanlet::Server::Services::Lumaven;
-        if (controlLibModule != nullptr) {
-            FreeLibrary(controlLibModule);
-            controlLibModule = nullptr;
-        }
-        runtimePathArgs = nullptr;
-    }
+    static void ForgetLibrary() { ResetServiceProcessState(); }
 
     // A machine whose system32 holds `library` (a file of bin\sim) as ControlLib.dll, or no
     // ControlLib.dll when it is empty.

@@ -1,7 +1,7 @@
 // ExecuteCommand: argument checks, parsing, the command table, unsupported numbers, the
 // response text and its cap.
 #include "LogCapture.h"
-#include "ServiceCall.h"
+#include "XeltoClient.h"
 #include "SimMachine.h"
 
 #include "service/LumavenService.h"
@@ -9,12 +9,18 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <thread>
 
 using namespace Xelto::Spanlet::Server::Services;
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
-using LumavenTest::Call;
 using LumavenTest::LogCapture;
+using XeltoClient::RunCommand;
 
 namespace {
 
@@ -76,7 +82,7 @@ TEST(ExecuteCommand, CommandsOutsideOneToFourteenAreUnsupportedWithAnEmptyRespon
     LumavenService service;
     for (const uint32_t command : {0u, 15u, 0xFFFFFFFFu}) {
         LogCapture capture;
-        const auto result = Call(service, command, L"{\"BValue\":true}", 99);
+        const auto result = RunCommand(service, command, L"{\"BValue\":true}", 99);
         EXPECT_EQ(result.status, StatusUnsupportedCommand) << command;
         EXPECT_TRUE(result.hasResponse);
         EXPECT_EQ(result.response, L"{}");
@@ -110,7 +116,7 @@ TEST(ExecuteCommand, AnyOneJsonValueIsAValidRequest)
     LumavenTest::InstallProfile(LumavenTest::MonitorsProfile({"4C837441"}));
     LumavenService service;
     for (const wchar_t* request : {L"[]", L"  {}  ", L"\n[1,2,{\"a\":null}]\t", L"\"text\"", L"42", L"null"}) {
-        const auto result = Call(service, 4, request);
+        const auto result = RunCommand(service, 4, request);
         EXPECT_EQ(result.status, StatusSuccess) << request;
         EXPECT_EQ(result.response, L"{\"result\":true}") << request;
     }
@@ -120,17 +126,62 @@ TEST(ExecuteCommand, DeeplyNestedRequestsParseWithoutExhaustingTheStack)
 {
     LumavenService service;
     const std::wstring deep = std::wstring(200000, L'[') + std::wstring(200000, L']');
-    EXPECT_EQ(Call(service, 15, deep.c_str()).status, StatusUnsupportedCommand);
+    EXPECT_EQ(RunCommand(service, 15, deep.c_str()).status, StatusUnsupportedCommand);
     const std::wstring unbalanced = std::wstring(200000, L'[');
-    EXPECT_EQ(Call(service, 15, unbalanced.c_str()).status, StatusInvalidRequest);
+    EXPECT_EQ(RunCommand(service, 15, unbalanced.c_str()).status, StatusInvalidRequest);
 }
 
 TEST(ExecuteCommand, CommandNineWithoutElpSetterIsInvalidWithAnEmptyResponse)
 {
     LumavenService service;
-    const auto result = Call(service, 9, L"{\"BValue\":true}");
+    const auto result = RunCommand(service, 9, L"{\"BValue\":true}");
     EXPECT_EQ(result.status, StatusInvalidArgument);
     EXPECT_EQ(result.response, L"{}");
+}
+
+// Whether the command, run on another thread while this one holds `held`, is still waiting for
+// it after `patience`. Released in every case, so a command that waits ends too. A plain
+// thread and a flag: std::async's future reaches libstdc++'s call_once, whose thread-local
+// state the Clang build cannot link against the GCC-built runtime.
+bool StillWaiting(LumavenService& service, std::mutex& held, uint32_t command, std::chrono::milliseconds patience)
+{
+    std::unique_lock lock(held);
+    std::atomic<bool> finished{false};
+    std::thread caller([&service, command, &finished] {
+        RunCommand(service, command, L"{\"BValue\":true}");
+        finished = true;
+    });
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    while (!finished && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    const bool waiting = !finished;
+    lock.unlock();
+    caller.join();
+    return waiting;
+}
+
+TEST(ExecuteCommand, EachCommandTakesTheLockOfItsTableRow)
+{
+    // A service never started: vendor 0, and no driver library on the machine, so that every
+    // command answers at once unless a lock holds it.
+    LumavenTest::InstallProfile(LumavenTest::MonitorsProfile({"4C837441"}));
+    LumavenService service;
+    const std::set<uint32_t> mainLock = {1, 2, 3, 5, 6, 8, 10};
+    for (uint32_t command = 1; command <= 12; ++command) {
+        SCOPED_TRACE("command " + std::to_string(command));
+        if (mainLock.count(command) != 0) {
+            EXPECT_TRUE(StillWaiting(service, service.m_mutex, command, std::chrono::milliseconds(300)))
+                << "ran without the service's mutex";
+        } else {
+            // 4 and 7 take no lock; 9, 11 and 12 lock in their handlers, by vendor, and vendor 0
+            // has none to take.
+            EXPECT_FALSE(StillWaiting(service, service.m_mutex, command, std::chrono::seconds(10)))
+                << "waited for the service's mutex";
+        }
+        EXPECT_FALSE(StillWaiting(service, service.m_adlxMutex, command, std::chrono::seconds(10)))
+            << "waited for the ADLX mutex";
+    }
 }
 
 TEST(ExecuteCommand, CallbackIsNeverCalledAndIsReleased)

@@ -4,6 +4,7 @@
 // is refused with ADLX's own code and the transaction log says why ("refused"); what the
 // service really does is accepted.
 #include "AdlSimSupport.h"
+#include "ServiceProcessState.h"
 #include "SimMachine.h"
 
 #include "amd/ADLXHelper.h"
@@ -34,7 +35,7 @@ class FakeAdlx : public testing::Test {
 protected:
     void SetUp() override
     {
-        g_ADLXHelp.Terminate();
+        LumavenTest::ResetServiceProcessState();
         LumavenTest::InstallProfile(Laptop(true));
         Load();
     }
@@ -43,7 +44,7 @@ protected:
         if (m_module) {
             m_terminate();
         }
-        g_ADLXHelp.Terminate();
+        LumavenTest::ResetServiceProcessState();
     }
 
     void Load()

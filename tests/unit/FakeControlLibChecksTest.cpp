@@ -4,7 +4,7 @@
 // service really sends, on every Intel command, are accepted.
 #include "FakeControlLibFixture.h"
 #include "Registry.h"
-#include "ServiceCall.h"
+#include "XeltoClient.h"
 
 #include "service/LumavenService.h"
 
@@ -324,7 +324,7 @@ TEST_F(FakeControlLibChecks, EveryRecordTheServiceSendsIsAccepted)
     ASSERT_EQ(service->m_videoController, kVendorIntel);
     LumavenSim::ClearTransactions();
     for (const uint32_t command : {8u, 2u, 1u, 3u, 5u, 6u}) {
-        const auto result = LumavenTest::Call(*service, command, L"{}");
+        const auto result = XeltoClient::RunCommand(*service, command, L"{}");
         EXPECT_EQ(result.status, 0u) << command;
         EXPECT_EQ(result.response, L"{\"result\":true}") << command;
     }

@@ -3,8 +3,9 @@
 #include "ControlLibFixture.h"
 #include "LogCapture.h"
 #include "Registry.h"
-#include "ServiceCall.h"
+#include "XeltoClient.h"
 
+#include "intel/IntelAuxWriter.h"
 #include "intel/IntelSession.h"
 #include "service/LumavenService.h"
 
@@ -17,7 +18,6 @@
 #include <vector>
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
-using LumavenTest::Call;
 using LumavenTest::LogCapture;
 namespace Intel = LumavenSim::Intel;
 
@@ -61,9 +61,9 @@ protected:
         LumavenSim::ClearTransactions();
     }
 
-    LumavenTest::CallResult Run(uint32_t command, const wchar_t* request = L"{}")
+    XeltoClient::Reply Run(uint32_t command, const wchar_t* request = L"{}")
     {
-        return Call(*m_service, command, request);
+        return XeltoClient::RunCommand(*m_service, command, request);
     }
 
     static size_t CallCount(const std::string& function) { return Calls(function).size(); }
@@ -133,6 +133,28 @@ TEST_F(IntelFeature, ModesOutsideTheTableDoNothing)
         EXPECT_EQ(ApplyToTargetDisplays(displays, 1, status, mode), 0) << mode;
         EXPECT_EQ(status, CTL_RESULT_SUCCESS) << mode;
     }
+    EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
+}
+
+TEST_F(IntelFeature, AnEmptyDisplayListAnswersZeroForEveryMode)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}}));
+    ctl_display_output_handle_t displays[1] = {nullptr};
+    for (const uint32_t mode :
+         {kModeGetOpst, kModeEnableOpst, kModeDisableOpst, kModeEdOn, kModeEdOff, kModeOpstSupport}) {
+        ctl_result_t status = static_cast<ctl_result_t>(0x1234);
+        EXPECT_EQ(ApplyToTargetDisplays(displays, 0, status, mode), 0) << mode;
+        EXPECT_EQ(status, CTL_RESULT_SUCCESS) << mode;
+    }
+    EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
+}
+
+TEST_F(IntelFeature, VerifyingAnEmptyListIsFalseAndReadsNothing)
+{
+    Machine(kPanel4174, Adapters({{kOpstOutput}}));
+    ctl_result_t status = static_cast<ctl_result_t>(0x1234);
+    EXPECT_FALSE(VerifyAuxData(status, nullptr, {}));
+    EXPECT_EQ(status, CTL_RESULT_SUCCESS);
     EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
 }
 

@@ -2,9 +2,9 @@
 // event path, on the service object itself.
 #include "AdlSimSupport.h"
 #include "LogCapture.h"
-#include "PowerSettings.h"
+#include "XeltoClient.h"
 #include "Registry.h"
-#include "ServiceCall.h"
+#include "ServiceProcessState.h"
 #include "SimMachine.h"
 
 #include "amd/ADLXHelper.h"
@@ -14,14 +14,17 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
+#include <functional>
 #include <thread>
+#include <utility>
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
-using LumavenTest::Call;
-using LumavenTest::kConsoleDisplayState;
-using LumavenTest::kLidSwitchStateChange;
 using LumavenTest::LogCapture;
+using XeltoClient::kConsoleDisplayState;
+using XeltoClient::kLidSwitchStateChange;
+using XeltoClient::RunCommand;
 
 namespace {
 
@@ -43,11 +46,10 @@ class OledFeature : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        g_ADLXHelp.Terminate();
-        g_prevDisplayState = -1;
+        LumavenTest::ResetServiceProcessState();
         LumavenTest::DeleteSettingsKey();
     }
-    void TearDown() override { g_ADLXHelp.Terminate(); }
+    void TearDown() override { LumavenTest::ResetServiceProcessState(); }
 
     std::unique_ptr<LumavenService> Started(const std::string& profile)
     {
@@ -58,13 +60,10 @@ protected:
         return service;
     }
 
-    static uint32_t Event(LumavenService& service, const GUID& setting, uint8_t data)
+    static uint32_t Event(LumavenService& service, const GUID& setting, DWORD data)
     {
-        POWERBROADCAST_SETTING record{};
-        record.PowerSetting = setting;
-        record.DataLength = 4;
-        record.Data[0] = data;
-        return service.OledEventCalled(&record);
+        const XeltoClient::PowerSettingRecord record = XeltoClient::MakePowerSetting(setting, data);
+        return service.OledEventCalled(&record.header);
     }
 };
 
@@ -101,10 +100,10 @@ TEST_F(OledFeature, StartupOnAnotherVendorChoosesNoSetter)
     EXPECT_NE(service->m_auxData, nullptr);
     EXPECT_EQ(service->m_setElp, nullptr);
     EXPECT_EQ(g_auxData, nullptr);
-    const auto elp = Call(*service, 9, L"{\"BValue\":true}");
+    const auto elp = RunCommand(*service, 9, L"{\"BValue\":true}");
     EXPECT_EQ(elp.status, StatusInvalidArgument);
     EXPECT_EQ(elp.response, L"{}") << "no setter, so nothing answers";
-    EXPECT_EQ(Call(*service, 10).response, L"{\"result\":false}");
+    EXPECT_EQ(RunCommand(*service, 10).response, L"{\"result\":false}");
 }
 
 TEST_F(OledFeature, UnsupportedPanelStillGetsTheTable)
@@ -113,7 +112,7 @@ TEST_F(OledFeature, UnsupportedPanelStillGetsTheTable)
     EXPECT_EQ(service->m_panelId, 0u);
     ASSERT_NE(service->m_auxData, nullptr);
     EXPECT_EQ(service->m_auxData->count({0, true}), 0u);
-    EXPECT_EQ(Call(*service, 9, L"{\"BValue\":true}").status, StatusDeviceError);
+    EXPECT_EQ(RunCommand(*service, 9, L"{\"BValue\":true}").status, StatusDeviceError);
 }
 
 TEST_F(OledFeature, ElpSettersRefuseMalformedRequests)
@@ -125,7 +124,7 @@ TEST_F(OledFeature, ElpSettersRefuseMalformedRequests)
         LogCapture capture;
         EXPECT_EQ((service.get()->*service->m_setElp)(nullptr, &response, 1, 0), StatusInvalidArgument);
         EXPECT_TRUE(capture.Texts().empty()) << "a null request is refused silently";
-        const auto result = Call(*service, 9, L"{\"BValue\":null}");
+        const auto result = RunCommand(*service, 9, L"{\"BValue\":null}");
         EXPECT_EQ(result.status, StatusInvalidArgument);
         EXPECT_EQ(result.response, L"{}");
         const std::wstring line = std::string(gpu) == kIntelGpu ? L"SetIntelElp() check data failed\n\n"
@@ -138,7 +137,7 @@ TEST_F(OledFeature, ElpSettersWithoutASupportedPanelAreDeviceErrors)
 {
     for (const char* gpu : {kIntelGpu, kAmdGpu}) {
         auto service = Started(Profile("10ACF540", gpu, R"({"dxgi.dll":"dxgi.dll"})"));
-        const auto result = Call(*service, 9, L"{\"BValue\":true}");
+        const auto result = RunCommand(*service, 9, L"{\"BValue\":true}");
         EXPECT_EQ(result.status, StatusDeviceError) << gpu;
         EXPECT_EQ(result.response, L"{}") << gpu;
     }
@@ -149,7 +148,7 @@ TEST_F(OledFeature, AmdPanelInTheTableForOneFlagOnlyRefusesTheOther)
     auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
     ASSERT_EQ(service->m_auxData->erase({0x416C834C, true}), 1u);
     LumavenTest::SetOledDword(0);
-    const auto on = Call(*service, 9, L"{\"BValue\":true}");
+    const auto on = RunCommand(*service, 9, L"{\"BValue\":true}");
     EXPECT_EQ(on.status, StatusDeviceError);
     EXPECT_EQ(on.response, L"{}");
     EXPECT_EQ(service->m_auxData->count({0x416C834C, true}), 0u) << "the look-up adds no entry";
@@ -157,7 +156,7 @@ TEST_F(OledFeature, AmdPanelInTheTableForOneFlagOnlyRefusesTheOther)
     EXPECT_EQ(LumavenTest::OledDword(), 0u);
 
     LumavenTest::SetOledDword(1);
-    const auto off = Call(*service, 9, L"{\"BValue\":false}");
+    const auto off = RunCommand(*service, 9, L"{\"BValue\":false}");
     EXPECT_EQ(off.status, StatusSuccess);
     EXPECT_EQ(off.response, L"{\"result\":true}");
     EXPECT_EQ(LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(), 5u);
@@ -168,10 +167,10 @@ TEST_F(OledFeature, IntelSupportQueryCountsAFailingOpstQueryAsSupported)
 {
     // No control library: the OPST query fails, adds nothing, and counts as supported.
     auto service = Started(Profile("10ACF540", kIntelGpu, R"({"dxgi.dll":"dxgi.dll"})"));
-    const auto result = Call(*service, 10);
+    const auto result = RunCommand(*service, 10);
     EXPECT_EQ(result.status, StatusSuccess);
     EXPECT_EQ(result.response, L"{\"result\":true}");
-    EXPECT_EQ(Call(*service, 4).response, L"{\"result\":false}");
+    EXPECT_EQ(RunCommand(*service, 4).response, L"{\"result\":false}");
 }
 
 TEST_F(OledFeature, IntelSupportQueryWithoutASupportedPanelIsFalse)
@@ -179,8 +178,8 @@ TEST_F(OledFeature, IntelSupportQueryWithoutASupportedPanelIsFalse)
     auto service =
         Started(Profile("10ACF540", kIntelGpu, R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"})",
                         R"(,"intel":{"adapters":[{"outputs":[{"attached":true,"opstSupported":true}]}]})"));
-    EXPECT_EQ(Call(*service, 10).response, L"{\"result\":true,\"result\":false}");
-    EXPECT_EQ(Call(*service, 4).response, L"{\"result\":false}");
+    EXPECT_EQ(RunCommand(*service, 10).response, L"{\"result\":true,\"result\":false}");
+    EXPECT_EQ(RunCommand(*service, 4).response, L"{\"result\":false}");
 }
 
 TEST_F(OledFeature, IntelPowerSaveOnSkipsEdWhenOpstFails)
@@ -190,7 +189,7 @@ TEST_F(OledFeature, IntelPowerSaveOnSkipsEdWhenOpstFails)
                         R"(,"intel":{"adapters":[{"outputs":[{"attached":true}]}]},)"
                         R"("faults":[{"function":"ctlInit","code":1073741825,"nth":1}])"));
     LumavenTest::SetOledDword(0);
-    const auto result = Call(*service, 11);
+    const auto result = RunCommand(*service, 11);
     EXPECT_EQ(result.status, StatusSuccess);
     EXPECT_EQ(result.response, L"{}");
     EXPECT_EQ(LumavenTest::OledDword(), 0u);
@@ -313,4 +312,155 @@ TEST_F(OledFeature, NullEventRecordIsIgnored)
     LumavenTest::SetOledDword(1);
     EXPECT_EQ(service->OledEventCalled(nullptr), 0u);
     EXPECT_EQ(g_prevDisplayState, -1);
+}
+
+TEST_F(OledFeature, EventGateDeadlineSaturatesAtTheEndOfTheClock)
+{
+    using Clock = std::chrono::steady_clock;
+    const auto second = std::chrono::duration_cast<Clock::duration>(std::chrono::seconds(1));
+    const Clock::duration tick(1);
+    const Clock::time_point end = Clock::time_point::max();
+    EXPECT_EQ(EventGate::OneSecondAfter(Clock::time_point{}), Clock::time_point{} + second);
+    EXPECT_EQ(EventGate::OneSecondAfter(Clock::time_point::min()), Clock::time_point::min() + second);
+    EXPECT_EQ(EventGate::OneSecondAfter(end - second - tick), end - tick);
+    EXPECT_EQ(EventGate::OneSecondAfter(end - second), end);
+    EXPECT_EQ(EventGate::OneSecondAfter(end - second + tick), end) << "past the end would wrap into the past";
+    EXPECT_EQ(EventGate::OneSecondAfter(end), end);
+    const Clock::time_point before = Clock::now();
+    const Clock::time_point deadline = EventGate::OneSecondFromNow();
+    EXPECT_GE(deadline, before + second);
+    EXPECT_LE(deadline, Clock::now() + second);
+}
+
+TEST_F(OledFeature, EventOnAnotherVendorWithPowerSavingOnWritesNothing)
+{
+    auto service = Started(Profile("4C837441", "Microsoft Basic Display Adapter", R"({"dxgi.dll":"dxgi.dll"})"));
+    ASSERT_EQ(service->m_videoController, 0);
+    LumavenTest::SetOledDword(1);
+    LogCapture capture;
+    EXPECT_EQ(Event(*service, kConsoleDisplayState, 1), 0u);
+    EXPECT_EQ(g_prevDisplayState, 1) << "the cycle is counted as on any machine";
+    EXPECT_EQ(capture.Texts(), (std::vector<std::wstring>{L"LumavenService - OledEventCalled entered",
+                                                          L"LumavenService - OledEventCalled OLED ON",
+                                                          L"LumavenService - OledEventCalled PrevDisplay OFF"}));
+    EXPECT_TRUE(LumavenTest::Transactions().empty()) << "no vendor library is asked";
+}
+
+TEST_F(OledFeature, EventHoldsTheServiceMutexThroughItsWaitAndWrite)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::SetOledDword(1);
+    LogCapture capture;
+    std::atomic<bool> eventDone = false;
+    std::thread event([&] {
+        Event(*service, kConsoleDisplayState, 1);
+        eventDone = true;
+    });
+    // The event's first line is logged with the mutex already held.
+    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (capture.Count(L"LumavenService - OledEventCalled entered") == 0 &&
+           std::chrono::steady_clock::now() < giveUp) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    const auto command = RunCommand(*service, 10);  // the dispatcher takes the service's mutex for it
+    EXPECT_TRUE(eventDone) << "command 10 ran while the event was waiting for the panel";
+    event.join();
+    EXPECT_EQ(command.status, StatusSuccess);
+    EXPECT_EQ(command.response, L"{\"result\":true}");
+    EXPECT_EQ(LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(), 5u);
+}
+
+TEST_F(OledFeature, AmdEventWithoutATableWritesNothing)
+{
+    // What a start-up that could not build the table leaves: vendor and panel known, no table.
+    LumavenTest::InstallProfile(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenService service;
+    service.m_videoController = kVendorAmd;
+    service.m_panelId = 0x416C834C;
+    LumavenTest::SetOledDword(1);
+    LumavenSim::ClearTransactions();
+    EXPECT_EQ(Event(service, kConsoleDisplayState, 1), 0u);
+    EXPECT_EQ(g_prevDisplayState, 1);
+    EXPECT_EQ(service.m_auxData, nullptr) << "no table is made for the event";
+    EXPECT_TRUE(LumavenTest::Amd::Calls().empty());
+}
+
+TEST_F(OledFeature, AmdElpSetterWithoutATableIsADeviceError)
+{
+    LumavenTest::InstallProfile(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenService service;
+    service.m_panelId = 0x416C834C;
+    LumavenTest::SetOledDword(0);
+    LumavenSim::ClearTransactions();
+    Document request;
+    ASSERT_TRUE(ParseRequest(request, L"{\"BValue\":true}"));
+    Document response;
+    response.SetObject();
+    EXPECT_EQ(service.SetAmdElp(&request, &response, 1, 0), StatusDeviceError);
+    EXPECT_EQ(response.MemberCount(), 0u);
+    EXPECT_TRUE(LumavenTest::Amd::Calls().empty());
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(OledFeature, AmdElpSetterWritesWithoutAResponseDocument)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::SetOledDword(0);
+    Document request;
+    ASSERT_TRUE(ParseRequest(request, L"{\"BValue\":true}"));
+    EXPECT_EQ(service->SetAmdElp(&request, nullptr, 1, 0), StatusSuccess);
+    EXPECT_EQ(LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(),
+              service->m_auxData->at({0x416C834C, true}).size());
+    EXPECT_EQ(LumavenTest::OledDword(), 1u);
+}
+
+TEST_F(OledFeature, AmdElpSetterTakesOnlyTheLiteralTrueAsOn)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::SetOledDword(1);
+    LogCapture capture;
+    const auto text = RunCommand(*service, 9, L"{\"BValue\":\"true\"}");
+    EXPECT_EQ(text.status, StatusSuccess);
+    EXPECT_EQ(text.response, L"{\"result\":true}");
+    EXPECT_EQ(LumavenTest::OledDword(), 0u) << "a string is not on: the off sequence was written";
+    EXPECT_EQ(capture.Count(L"SetAmdElp() check data failed\n\n"), 0u);
+
+    capture.Clear();
+    LumavenSim::ClearTransactions();
+    const auto missing = RunCommand(*service, 9, L"{\"Value\":true}");
+    EXPECT_EQ(missing.status, StatusInvalidArgument);
+    EXPECT_EQ(missing.response, L"{}");
+    EXPECT_EQ(capture.Texts(), std::vector<std::wstring>{L"SetAmdElp() check data failed\n\n"});
+    EXPECT_TRUE(LumavenTest::Amd::Calls().empty());
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+}
+
+TEST_F(OledFeature, CompositeHandlersCheckTheirDocuments)
+{
+    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::SetOledDword(0);
+    using Handler = std::function<uint32_t(Document*, Document*)>;
+    const std::pair<const char*, Handler> handlers[] = {
+        {"4", [&](Document* q, Document* r) { return service->GetIfSystemSupportsOled(q, r, 1); }},
+        {"10", [&](Document* q, Document* r) { return service->_GetIfOLEDSupport(q, r, 1); }},
+        {"11", [&](Document* q, Document* r) { return service->_SetOLEDPowerSaveON(q, r, 1, 0); }},
+        {"12", [&](Document* q, Document* r) { return service->_SetOLEDPowerSaveOFF(q, r, 1, 0); }},
+    };
+    const std::wstring request =
+        L"class Xelto::Spanlet::Server::Services::UtilHelper.NullChecker - request cannot be null";
+    const std::wstring response =
+        L"class Xelto::Spanlet::Server::Services::UtilHelper.NullChecker - response cannot be null";
+    for (const auto& [command, handler] : handlers) {
+        SCOPED_TRACE(std::string("command ") + command);
+        Document document;
+        ASSERT_TRUE(ParseRequest(document, L"{\"BValue\":true}"));
+        LogCapture capture;
+        EXPECT_EQ(handler(nullptr, &document), StatusInvalidArgument);
+        EXPECT_EQ(handler(&document, nullptr), StatusInvalidArgument);
+        EXPECT_EQ(handler(nullptr, nullptr), StatusInvalidArgument);
+        EXPECT_EQ(capture.Texts(), (std::vector<std::wstring>{request, response, request, response}));
+        EXPECT_EQ(document.MemberCount(), 1u) << "the document is left as it was";
+    }
+    EXPECT_TRUE(LumavenTest::Transactions().empty()) << "no driver is asked";
+    EXPECT_EQ(LumavenTest::OledDword(), 0u);
 }

@@ -1,5 +1,5 @@
 // Command 4: whether a supported panel is fitted, with the EDIDs read afresh each time.
-#include "ServiceCall.h"
+#include "XeltoClient.h"
 #include "SimMachine.h"
 
 #include "service/LumavenService.h"
@@ -7,19 +7,19 @@
 #include <gtest/gtest.h>
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
-using LumavenTest::Call;
 using LumavenTest::InstallProfile;
 using LumavenTest::MonitorsProfile;
+using XeltoClient::RunCommand;
 
 TEST(GetIfSystemSupportsOled, AnswersFromTheMonitorsPresentNow)
 {
     LumavenService service;
     InstallProfile(MonitorsProfile({"4C83AC41"}));
-    EXPECT_EQ(Call(service, 4).response, L"{\"result\":true}");
+    EXPECT_EQ(RunCommand(service, 4).response, L"{\"result\":true}");
     InstallProfile(MonitorsProfile({"4C839941"}));
-    const auto result = Call(service, 4);
+    const auto result = RunCommand(service, 4);
     EXPECT_EQ(result.status, StatusSuccess);
     EXPECT_EQ(result.response, L"{\"result\":false}");
     InstallProfile(MonitorsProfile({}));
-    EXPECT_EQ(Call(service, 4).response, L"{\"result\":false}");
+    EXPECT_EQ(RunCommand(service, 4).response, L"{\"result\":false}");
 }

@@ -1,7 +1,6 @@
 // The service object: factory gate, strings handed to the host, buffers, event entry.
 #include "LogCapture.h"
-#include "ServiceCall.h"
-#include "PowerSettings.h"
+#include "XeltoClient.h"
 #include "SimMachine.h"
 
 #include "service/LumavenService.h"
@@ -13,7 +12,6 @@
 using namespace Xelto::Spanlet::Server::Services;
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
 using LumavenTest::InstallProfile;
-using LumavenTest::kConsoleDisplayState;
 using LumavenTest::LogCapture;
 using LumavenTest::MonitorsProfile;
 
@@ -106,10 +104,7 @@ TEST(ServiceObject, PowerEventTaskLogsItsEntryLine)
 {
     LumavenService service;
     LogCapture capture;
-    POWERBROADCAST_SETTING setting{};
-    setting.PowerSetting = kConsoleDisplayState;
-    setting.DataLength = 4;
-    service.oled_power_event_task(nullptr, &setting);
+    XeltoClient::Deliver(service, XeltoClient::PowerEvent::DisplayOff);
     const auto texts = capture.Texts();
     ASSERT_FALSE(texts.empty());
     EXPECT_EQ(texts[0],
@@ -139,7 +134,7 @@ TEST(ServiceObject, DeletingTheServiceUnloadsWhatAnInterruptedAdlWriteLeftLoaded
     XeltoService* service = XeltoCreateService();
     ASSERT_NE(service, nullptr);
     service->startup_task();
-    const auto elp = LumavenTest::Call(*service, 9, L"{\"BValue\":true}");
+    const auto elp = XeltoClient::RunCommand(*service, 9, L"{\"BValue\":true}");
     EXPECT_EQ(elp.response, L"{\"result\":false}");
     EXPECT_NE(GetModuleHandleW(L"atiadlxx.dll"), nullptr) << "the interrupted write keeps ADL";
     delete service;

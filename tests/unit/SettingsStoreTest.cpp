@@ -1,7 +1,7 @@
 // The settings value "OLED" in Wine's real registry, and command 7 that reads it.
 #include "LogCapture.h"
 #include "Registry.h"
-#include "ServiceCall.h"
+#include "XeltoClient.h"
 
 #include "oled/SettingsStore.h"
 #include "service/LumavenService.h"
@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
-using LumavenTest::Call;
 using LumavenTest::LogCapture;
+using XeltoClient::RunCommand;
 
 TEST(SettingsStore, OpenOrCreateCreatesTheMissingKey)
 {
@@ -74,7 +74,7 @@ TEST(GetOledFromRegistry, CleanMachineAnswersZeroAndCreatesTheKey)
 {
     LumavenTest::DeleteSettingsKey();
     LumavenService service;
-    const auto result = Call(service, 7);
+    const auto result = RunCommand(service, 7);
     EXPECT_EQ(result.status, StatusSuccess);
     EXPECT_EQ(result.response, L"{\"result\":0}");
     EXPECT_TRUE(LumavenTest::SettingsKeyExists());
@@ -84,9 +84,9 @@ TEST(GetOledFromRegistry, AnswersOneAndZero)
 {
     LumavenService service;
     LumavenTest::SetOledDword(1);
-    EXPECT_EQ(Call(service, 7).response, L"{\"result\":1}");
+    EXPECT_EQ(RunCommand(service, 7).response, L"{\"result\":1}");
     LumavenTest::SetOledDword(0);
-    EXPECT_EQ(Call(service, 7).response, L"{\"result\":0}");
+    EXPECT_EQ(RunCommand(service, 7).response, L"{\"result\":0}");
 }
 
 TEST(GetOledFromRegistry, OtherNumbersAnswerMinusOne)
@@ -94,7 +94,7 @@ TEST(GetOledFromRegistry, OtherNumbersAnswerMinusOne)
     LumavenService service;
     for (const DWORD value : {2u, 5u, 0xFFFFFFFFu}) {
         LumavenTest::SetOledDword(value);
-        const auto result = Call(service, 7);
+        const auto result = RunCommand(service, 7);
         EXPECT_EQ(result.status, StatusSuccess) << value;
         EXPECT_EQ(result.response, L"{\"result\":-1}") << value;
     }
@@ -104,7 +104,7 @@ TEST(GetOledFromRegistry, StringValueAnswersZeroWithRegistryError)
 {
     LumavenTest::SetOledString(L"1");
     LumavenService service;
-    const auto result = Call(service, 7);
+    const auto result = RunCommand(service, 7);
     EXPECT_EQ(result.status, StatusRegistryError);
     EXPECT_EQ(result.response, L"{\"result\":0}");
 }

@@ -5,7 +5,9 @@
 #include "AdlSimSupport.h"
 #include "LogCapture.h"
 #include "ProcessRunner.h"
+#include "ServiceProcessState.h"
 #include "SimMachine.h"
+#include "XeltoClient.h"
 
 #include "amd/ADLXHelper.h"
 #include "service/LumavenService.h"
@@ -35,19 +37,9 @@ std::string Laptop(bool supported, bool enabled, const std::string& libraries = 
            R"(}]},"libraries":)" + libraries + "}";
 }
 
-struct Reply {
-    uint32_t status;
-    std::wstring response;
-};
-
-Reply Execute(LumavenService& service, uint32_t command, const wchar_t* request)
+XeltoClient::Reply Execute(LumavenService& service, uint32_t command, const wchar_t* request)
 {
-    CallContext context{kContextWord};
-    wchar_t* out = nullptr;
-    const uint32_t status = service.ExecuteCommand(&context, command, request, &out, nullptr, 0);
-    Reply reply{status, out != nullptr ? out : L"(null)"};
-    service.FreeBuffer(out);
-    return reply;
+    return XeltoClient::RunCommand(service, command, request, kContextWord);
 }
 
 bool Enabled()
@@ -67,8 +59,8 @@ protected:
         LumavenSim::ClearTransactions();
         m_capture.Clear();
     }
-    void SetUp() override { g_ADLXHelp.Terminate(); }
-    void TearDown() override { g_ADLXHelp.Terminate(); }
+    void SetUp() override { LumavenTest::ResetServiceProcessState(); }
+    void TearDown() override { LumavenTest::ResetServiceProcessState(); }
 
     // Every SetEnabled value the fake received.
     static std::vector<bool> SetEnabledValues()
@@ -89,7 +81,7 @@ protected:
 TEST_F(VaribrightCommands, Command13AnswersSupported)
 {
     Prepare(true, false);
-    const Reply reply = Execute(m_service, 13, L"{}");
+    const XeltoClient::Reply reply = Execute(m_service, 13, L"{}");
     EXPECT_EQ(reply.status, StatusSuccess);
     EXPECT_EQ(reply.response, L"{\"result\":true}");
     EXPECT_EQ(Calls(), (std::vector<std::string>{"GetVariBright", "IsSupported", "Release"}));
@@ -99,7 +91,7 @@ TEST_F(VaribrightCommands, Command13AnswersSupported)
 TEST_F(VaribrightCommands, Command13AnswersUnsupported)
 {
     Prepare(false, false);
-    const Reply reply = Execute(m_service, 13, L"{\"BValue\": true}");
+    const XeltoClient::Reply reply = Execute(m_service, 13, L"{\"BValue\": true}");
     EXPECT_EQ(reply.status, StatusSuccess);
     EXPECT_EQ(reply.response, L"{\"result\":false}");
 }
@@ -107,7 +99,7 @@ TEST_F(VaribrightCommands, Command13AnswersUnsupported)
 TEST_F(VaribrightCommands, Command14WithTrueEnables)
 {
     Prepare(true, false);
-    const Reply reply = Execute(m_service, 14, L"{\"BValue\": true}");
+    const XeltoClient::Reply reply = Execute(m_service, 14, L"{\"BValue\": true}");
     EXPECT_EQ(reply.status, StatusSuccess);
     EXPECT_EQ(reply.response, L"{\"result\":true}");
     EXPECT_EQ(SetEnabledValues(), std::vector<bool>{true});
@@ -117,7 +109,7 @@ TEST_F(VaribrightCommands, Command14WithTrueEnables)
 TEST_F(VaribrightCommands, Command14WithNumberOneDisables)
 {
     Prepare(true, true);
-    const Reply reply = Execute(m_service, 14, L"{\"BValue\": 1}");
+    const XeltoClient::Reply reply = Execute(m_service, 14, L"{\"BValue\": 1}");
     EXPECT_EQ(reply.status, StatusSuccess);
     EXPECT_EQ(reply.response, L"{\"result\":true}");
     EXPECT_EQ(SetEnabledValues(), std::vector<bool>{false});
@@ -127,7 +119,7 @@ TEST_F(VaribrightCommands, Command14WithNumberOneDisables)
 TEST_F(VaribrightCommands, Command14WithStringTrueDisables)
 {
     Prepare(true, true);
-    const Reply reply = Execute(m_service, 14, L"{\"BValue\": \"true\"}");
+    const XeltoClient::Reply reply = Execute(m_service, 14, L"{\"BValue\": \"true\"}");
     EXPECT_EQ(reply.status, StatusSuccess);
     EXPECT_EQ(SetEnabledValues(), std::vector<bool>{false});
     EXPECT_FALSE(Enabled());
@@ -143,7 +135,7 @@ TEST_F(VaribrightCommands, Command14WithFalseDisables)
 TEST_F(VaribrightCommands, Command14WithoutBValueFailsTheDataCheck)
 {
     Prepare(true, false);
-    const Reply reply = Execute(m_service, 14, L"{}");
+    const XeltoClient::Reply reply = Execute(m_service, 14, L"{}");
     EXPECT_EQ(reply.status, StatusInvalidArgument);
     EXPECT_EQ(reply.response, L"{}");
     const auto records = m_capture.Records();
@@ -157,7 +149,7 @@ TEST_F(VaribrightCommands, Command14WithoutBValueFailsTheDataCheck)
 TEST_F(VaribrightCommands, Command14WithNullBValueFailsTheDataCheck)
 {
     Prepare(true, true);
-    const Reply reply = Execute(m_service, 14, L"{\"BValue\": null}");
+    const XeltoClient::Reply reply = Execute(m_service, 14, L"{\"BValue\": null}");
     EXPECT_EQ(reply.status, StatusInvalidArgument);
     EXPECT_EQ(reply.response, L"{}");
     EXPECT_EQ(m_capture.Count(L"SetVaribright() check data failed\n\n"), 1u);
@@ -168,7 +160,7 @@ TEST_F(VaribrightCommands, Command14WithNullBValueFailsTheDataCheck)
 TEST_F(VaribrightCommands, Command14RefusedByADLXAnswersFalseWithSuccess)
 {
     Prepare(false, false);
-    const Reply reply = Execute(m_service, 14, L"{\"BValue\": true}");
+    const XeltoClient::Reply reply = Execute(m_service, 14, L"{\"BValue\": true}");
     EXPECT_EQ(reply.status, StatusSuccess);
     EXPECT_EQ(reply.response, L"{\"result\":false}");
     EXPECT_EQ(SetEnabledValues(), std::vector<bool>{true});
@@ -179,7 +171,7 @@ TEST_F(VaribrightCommands, BeforeAnyAmdOledCommandBothAnswerFalse)
 {
     InstallProfile(Laptop(true, false));
     // SetUp terminated ADLX: as in a process where no AMD OLED command ran.
-    Reply reply = Execute(m_service, 13, L"{}");
+    XeltoClient::Reply reply = Execute(m_service, 13, L"{}");
     EXPECT_EQ(reply.status, StatusSuccess);
     EXPECT_EQ(reply.response, L"{\"result\":false}");
     reply = Execute(m_service, 14, L"{\"BValue\": true}");
@@ -203,7 +195,7 @@ TEST_F(VaribrightCommands, Command13WithoutAdlxLibraryAnswersFalse)
     // Not the state before any initialisation: the earlier display services are still held,
     // so only the missing library can make the answer false.
     ASSERT_NE(adlxDisplayServices, nullptr);
-    const Reply reply = Execute(m_service, 13, L"{}");
+    const XeltoClient::Reply reply = Execute(m_service, 13, L"{}");
     EXPECT_EQ(reply.status, StatusSuccess);
     EXPECT_EQ(reply.response, L"{\"result\":false}");
     EXPECT_FALSE(g_ADLXHelp.IsLoaded());

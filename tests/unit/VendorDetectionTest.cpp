@@ -75,6 +75,13 @@ size_t CountAtLevel(const LogCapture& capture, Level level)
 
 // ---- The name matching.
 
+TEST(ControllerNames, AnEntryThatIsNotAStringCountsAsAnEmptyName)
+{
+    Document result;
+    ASSERT_TRUE(ParseRequest(result, L"[1,\"AMD Radeon(TM) Graphics\",null,[\"Intel\"]]"));
+    EXPECT_EQ(ControllerNames(result), (std::vector<std::wstring>{L"", L"AMD Radeon(TM) Graphics", L"", L""}));
+}
+
 TEST(VendorFromControllerNames, IntelWinsOverAmdInEitherOrder)
 {
     EXPECT_EQ(VendorFromControllerNames({L"AMD Radeon(TM) Graphics", L"Intel(R) UHD Graphics"}), kVendorIntel);

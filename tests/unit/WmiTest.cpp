@@ -232,6 +232,17 @@ TEST(PublicWmi, AResponseThatIsNotYetAnObjectStillGetsItsResult)
     EXPECT_EQ(Compact(response), LR"({"result":["Intel(R) Iris(R) Xe Graphics"]})");
 }
 
+TEST(PublicWmi, ANullNamespaceIsTheDefaultOne)
+{
+    InstallGpu("Intel(R) Iris(R) Xe Graphics");
+    LogCapture capture;
+    PublicWmi wmi(nullptr);
+    Document response = EmptyObject();
+    EXPECT_EQ(wmi.GetPropertyValue(kVideoController, L"Name", response), StatusSuccess);
+    EXPECT_EQ(Compact(response), LR"({"result":["Intel(R) Iris(R) Xe Graphics"]})");
+    EXPECT_THAT(capture.Texts(), testing::IsEmpty());
+}
+
 TEST(PublicWmi, ALaterQueryInTheSameProcessSeesAChangedProfile)
 {
     for (const char* name :

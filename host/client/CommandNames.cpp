@@ -2,7 +2,7 @@
 
 #include <cwctype>
 
-namespace XeltoHost {
+namespace XeltoClient {
 
 namespace {
 
@@ -91,4 +91,4 @@ std::optional<PowerEvent> ParsePowerEvent(const std::wstring& text)
     return std::nullopt;
 }
 
-}  // namespace XeltoHost
+}  // namespace XeltoClient

@@ -1,4 +1,4 @@
-#include "Bench.h"
+#include "BenchTable.h"
 
 #include "CommandFloors.h"
 #include "CommandNames.h"
@@ -14,11 +14,10 @@
 #include <string>
 #include <vector>
 
-namespace XeltoHost {
+namespace LumavenBench {
 
 namespace {
 
-using namespace LumavenBench;
 using Xelto::Spanlet::Server::Services::XeltoService;
 
 constexpr wchar_t kOn[] = L"{\"BValue\":true}";
@@ -122,20 +121,15 @@ void EventEntryLines()
 
 }  // namespace
 
-int RunBench(ServiceHost& host, unsigned rounds, const std::wstring& only)
+int RunBench(XeltoClient::LoadedService& host, unsigned rounds, const std::wstring& only)
 {
     // The table is the output; log lines are still rendered, as for any host without a sink.
     Xelto::Logging::SetSink(nullptr, nullptr);
     rounds = std::max(rounds, 1u);
-    XeltoService& service = *host.Service();
-    // The host's part of a call: a context, the call, and giving the text back.
+    XeltoService& service = host.Service();
+    // The host's part of a call: a context, the call, copying the text and giving it back.
     const auto execute = [&service](uint32_t command, const wchar_t* request) {
-        return [&service, command, request] {
-            Xelto::Spanlet::Server::Services::CallContext context{1};
-            wchar_t* response = nullptr;
-            service.ExecuteCommand(&context, command, request, &response, nullptr, 0);
-            service.FreeBuffer(response);
-        };
+        return [&service, command, request] { XeltoClient::RunCommand(service, command, request); };
     };
     CommandFloors floors;
     // The service initialises ADLX on the first AMD OLED command; the VariBright rows measure
@@ -147,12 +141,12 @@ int RunBench(ServiceHost& host, unsigned rounds, const std::wstring& only)
     const auto row = [&](uint32_t command, const wchar_t* request, std::function<void()> reset) {
         const bool on = request == kOn;
         const bool toggles = command == 9 || command == 14;
-        const char* name = command == kUnsupportedCommand ? "(unsupported)" : CommandName(command);
+        const char* name = command == kUnsupportedCommand ? "(unsupported)" : XeltoClient::CommandName(command);
         return Row{std::to_string(command) + " " + name + (toggles ? (on ? " on" : " off") : ""),
                    "json + " + floors.Text(command, on), execute(command, request),
                    [&floors, command, request, on] { Json(request, floors.Command(command, on)); }, std::move(reset)};
     };
-    const PowerSettingRecord displayOn = MakePowerSetting(PowerEvent::DisplayOn);
+    const XeltoClient::PowerSettingRecord displayOn = XeltoClient::MakePowerSetting(XeltoClient::PowerEvent::DisplayOn);
     const auto deliverDisplayOn = [&] { service.oled_power_event_task(nullptr, &displayOn.header); };
     // With power saving stored as off an event only reads the setting.
     const auto storeOff = [] { WriteOled(0); };
@@ -218,4 +212,4 @@ int RunBench(ServiceHost& host, unsigned rounds, const std::wstring& only)
     return 0;
 }
 
-}  // namespace XeltoHost
+}  // namespace LumavenBench

@@ -1,11 +1,13 @@
-// Names the reference host knows for command numbers, status codes and power events.
+// The names hosts print and accept for command numbers, status codes and power events.
 #pragma once
+
+#include "XeltoClient.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
 
-namespace XeltoHost {
+namespace XeltoClient {
 
 // "7", "GetOledFromRegistry" or "_GetOledFromRegistry" (any case) -> 7.
 std::optional<uint32_t> ParseCommand(const std::wstring& text);
@@ -14,7 +16,6 @@ const char* CommandName(uint32_t command);
 // "StatusSuccess", ..., or "unknown status".
 const char* StatusName(uint32_t status);
 
-enum class PowerEvent { DisplayOff, DisplayOn, LidClosed, LidOpen };
 std::optional<PowerEvent> ParsePowerEvent(const std::wstring& text);
 
-}  // namespace XeltoHost
+}  // namespace XeltoClient

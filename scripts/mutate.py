@@ -293,16 +293,10 @@ def equivalence_key(mutant, source_lines):
 
 
 def ordered_mutants(seed, pattern):
-    files = []
-    for folder, _, names in os.walk(os.path.join(ROOT, "src")):
-        for name in names:
-            if name.endswith((".cpp", ".h")):
-                rel = os.path.relpath(os.path.join(folder, name), ROOT)
-                if not pattern or re.search(pattern, rel):
-                    files.append(rel)
+    """The list shuffled by the seed per folder of src/, then taken from the folders in turn."""
     by_folder = {}
-    for path in sorted(files):
-        by_folder.setdefault(folder_of(path), []).extend(mutants_of(path))
+    for mutant in all_mutants(pattern):
+        by_folder.setdefault(folder_of(mutant[0]), []).append(mutant)
     rng = random.Random(seed)
     queues = []
     for folder in sorted(by_folder):
@@ -318,7 +312,7 @@ def ordered_mutants(seed, pattern):
 
 
 def all_mutants(pattern=""):
-    """Every mutant of the tree in a fixed order (file, line, column), numbered from 1."""
+    """Every mutant of the tree in a fixed order (file, line, column)."""
     files = []
     for folder, _, names in os.walk(os.path.join(ROOT, "src")):
         for name in names:

@@ -1,0 +1,780 @@
+"""Mutant schemata for scripts/mutate.py: every mutant of a source file compiled into one copy of
+the file, each switched on at run time by its number.
+
+A mutated expression E with mutant M becomes `(lumaven_mutant_active(ID) ? (M) : (E))`; a dropped
+call `f(x);` becomes `{ if (!lumaven_mutant_active(ID)) { f(x); } }` and a returned value
+`return v;` becomes `{ if (lumaven_mutant_active(ID)) { return {}; } return v; }`. Mutants on one
+line nest: the original branch of the outer one carries the inner ones switched, the mutated
+branch is the plain mutant. Every line keeps its number, so the compiler's messages point at the
+line of the mutant. The switch reads the variable LUMAVEN_MUTANT once per module; with
+LUMAVEN_MUTANT_TRACE set to a folder, every module also writes the numbers of the switches it
+reaches (one file per process and module), which gives the per-test map of what each test runs.
+
+These copies live only in the mutation build's private tree (build/mutate-fast/); the service's
+own sources never carry a switch.
+"""
+import hashlib
+import json
+import os
+import re
+import shutil
+import subprocess
+import time
+from xml.etree import ElementTree
+
+SWITCH = "lumaven_mutant_active"
+
+# The header forced into every C++ file of the mutation build (-include). Its text does not
+# depend on the mutants, so a new listing only rebuilds the files whose schemata changed.
+HEADER = r"""// Written by scripts/mutate.py for the mutation build only; never part of the service.
+#pragma once
+#ifdef __cplusplus
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <process.h>
+
+namespace lumaven_mutation {
+inline unsigned long Active()
+{
+    static const unsigned long id = [] {
+        const char* value = std::getenv("LUMAVEN_MUTANT");
+        return value != nullptr ? std::strtoul(value, nullptr, 10) : 0ul;
+    }();
+    return id;
+}
+
+inline void Reached(unsigned long id)
+{
+    static const char* const folder = std::getenv("LUMAVEN_MUTANT_TRACE");
+    if (folder == nullptr || id >= 65536) {
+        return;
+    }
+    static std::atomic<unsigned char> seen[65536];
+    if (seen[id].exchange(1) != 0) {
+        return;
+    }
+    static std::FILE* const out = [] {
+        char path[1024];
+        std::snprintf(path, sizeof path, "%s/%d-%p.txt", folder, _getpid(), static_cast<void*>(seen));
+        return std::fopen(path, "a");
+    }();
+    if (out != nullptr) {
+        std::fprintf(out, "%lu\n", id);
+        std::fflush(out);
+    }
+}
+}  // namespace lumaven_mutation
+
+inline bool lumaven_mutant_active(unsigned long id)
+{
+    lumaven_mutation::Reached(id);
+    return lumaven_mutation::Active() == id;
+}
+
+// A switched constant inside braces: converted to whatever the element is, so that a literal
+// that fits its element does not become a narrowing conversion by being switched.
+template <class V>
+struct lumaven_mutant_value {
+    unsigned long id;
+    V original;
+    V mutated;
+    template <class T>
+    operator T() const
+    {
+        return static_cast<T>(lumaven_mutant_active(id) ? mutated : original);
+    }
+};
+#endif
+"""
+
+# Binary operators as the layout writes them (a space on each side), with their precedence
+# (higher binds tighter) and whether they group to the right.
+BINARY = re.compile(r"(?<= )(<<=|>>=|<=>|==|!=|<=|>=|&&|\|\||<<|>>|\+=|-=|\*=|/=|%=|&=|\|=|\^=|[-+*/%<>&|^=?:])(?= |$)")
+PRECEDENCE = {"*": 13, "/": 13, "%": 13, "+": 12, "-": 12, "<<": 11, ">>": 11, "<=>": 10, "<": 9, "<=": 9,
+              ">": 9, ">=": 9, "==": 8, "!=": 8, "&": 7, "^": 6, "|": 5, "&&": 4, "||": 3}
+LEADING_KEYWORD = re.compile(r"^(?:return|case|throw|else|co_return|co_yield)\b\s*")
+SCOPE_OPENER = re.compile(r"^\s*(?:(?:template\s*<.*>\s*)?(?:namespace|struct|class|enum|union)\b|extern \")")
+
+
+def precedence(op):
+    return PRECEDENCE.get(op, 2)  # assignments and the conditional operator
+
+
+def operators(masked):
+    return [(m.start(), m.end(), m.group(1)) for m in BINARY.finditer(masked)]
+
+
+def binary_span(masked, previous, column, op):
+    """The columns [start, end) of the whole expression `L op R` of the operator at column, or None
+    when an operand runs onto another line or cannot be told apart on this one."""
+    ops = operators(masked)
+    prec = precedence(op)
+    right_assoc = prec == 2
+    by_end = {end: (start, tok) for start, end, tok in ops}
+    by_start = {start: (end, tok) for start, end, tok in ops}
+    # Left operand: back to an opening bracket, a separator or an operator binding less tightly.
+    depth = 0
+    pos = column - 1
+    start = None
+    while pos >= 0:
+        c = masked[pos]
+        if c in ")]}":
+            depth += 1
+        elif c in "([{":
+            if depth == 0:
+                start = pos + 1
+                break
+            depth -= 1
+        elif depth == 0:
+            if c in ";,":
+                start = pos + 1
+                break
+            hit = by_end.get(pos + 1)
+            if hit and hit[0] < column:
+                other = precedence(hit[1])
+                if other < prec or (right_assoc and other <= prec):
+                    start = pos + 1
+                    break
+                pos = hit[0] - 1
+                continue
+        pos -= 1
+    if start is None:
+        if depth != 0:
+            return None
+        # The line starts the operand: safe only when the line before ends a statement, opens a
+        # bracket or a list, or ends with an operator binding less tightly.
+        tail = previous.rstrip()
+        if not tail or tail[-1] in "{;}(,":
+            start = 0
+        else:
+            last = re.search(r"(\S+)$", tail).group(1)
+            if last in PRECEDENCE and precedence(last) < prec or last in ("=", "?", ":", "return"):
+                start = 0
+            else:
+                return None
+    # Right operand: on to a closing bracket, a separator or an operator binding as or less tightly.
+    depth = 0
+    pos = column + len(op)
+    end = None
+    while pos < len(masked):
+        c = masked[pos]
+        if c in "([{":
+            depth += 1
+        elif c in ")]}":
+            if depth == 0:
+                end = pos
+                break
+            depth -= 1
+        elif depth == 0:
+            if c in ";,":
+                end = pos
+                break
+            hit = by_start.get(pos)
+            if hit and pos > column:
+                other = precedence(hit[1])
+                if other < prec or (not right_assoc and other <= prec):
+                    end = pos
+                    break
+                pos = hit[0]
+                continue
+        pos += 1
+    if end is None:
+        return None
+    while start < column and masked[start] == " ":
+        start += 1
+    keyword = LEADING_KEYWORD.match(masked[start:column])
+    if keyword:
+        start += keyword.end()
+    while end > column and masked[end - 1] == " ":
+        end -= 1
+    if start >= column or end <= column + len(op):
+        return None
+    return start, end
+
+
+def literal_value(text):
+    digits = text.rstrip("uUlL")
+    return int(digits, 16) if digits[:2].lower() == "0x" else int(digits)
+
+
+def in_braces(masked, column):
+    """Whether the nearest bracket left open before column on the line is a brace."""
+    depth = 0
+    for pos in range(column - 1, -1, -1):
+        c = masked[pos]
+        if c in ")]}":
+            depth += 1
+        elif c in "([{":
+            if depth == 0:
+                return c == "{"
+            depth -= 1
+    return False
+
+
+def closing(masked, pos):
+    """The column after the bracket that closes the one at pos."""
+    depth = 0
+    for i in range(pos, len(masked)):
+        if masked[i] in "([{":
+            depth += 1
+        elif masked[i] in ")]}":
+            depth -= 1
+            if depth == 0:
+                return i + 1
+    return None
+
+
+def unary_operand_end(masked, pos):
+    """The column after the operand of a prefix operator whose operand starts at pos."""
+    while pos < len(masked) and masked[pos] in "!*&~":
+        pos += 1
+    if pos >= len(masked):
+        return None
+    if masked[pos] == "(":
+        end = closing(masked, pos)
+    else:
+        m = re.match(r"(?:::)?[A-Za-z_]\w*(?:::[A-Za-z_]\w*)*", masked[pos:])
+        if not m:
+            return None
+        end = pos + m.end()
+    while end is not None and end < len(masked):
+        rest = masked[end:]
+        if rest[0] in "([":
+            end = closing(masked, end)
+        elif rest.startswith("->") or rest[0] == ".":
+            m = re.match(r"(?:->|\.)[A-Za-z_]\w*", rest)
+            if not m:
+                return None
+            end += m.end()
+        elif rest.startswith("::"):
+            m = re.match(r"::[A-Za-z_]\w*", rest)
+            if not m:
+                return None
+            end += m.end()
+        elif rest[0] == "<" and re.match(r"<[\w:, *&]*>(?=\(|::)", rest):
+            end += re.match(r"<[\w:, *&]*>", rest).end()
+        else:
+            break
+    return end
+
+
+def code_columns(masked_lines):
+    """Per line, the columns from which the text is inside a function body (run-time code). A switch
+    outside one (a namespace-scope or class-scope initializer, a default argument) would make a
+    constant initialization dynamic or not compile."""
+    stack = []
+    result = []
+    for masked in masked_lines:
+        inside = [(0, "code" in stack)]  # (column, in code) from that column on
+        for pos, c in enumerate(masked):
+            if c == "{":
+                before = masked[:pos].strip()
+                if "code" in stack:
+                    kind = "code"
+                elif SCOPE_OPENER.match(masked):
+                    kind = "scope"
+                elif masked.strip() == "{":
+                    kind = "code"  # a function's brace, on its own line in this layout
+                elif re.search(r"\)\s*(?:const\s*)?(?:noexcept\s*)?(?:override\s*)?(?:final\s*)?$", before) \
+                        and "=" not in before.split("(")[0]:
+                    kind = "code"  # a short function defined on one line
+                else:
+                    kind = "init"  # an initializer or a lambda outside a function: not switched
+                stack.append(kind)
+                inside.append((pos + 1, "code" in stack))
+            elif c == "}":
+                if stack:
+                    stack.pop()
+                inside.append((pos, "code" in stack))
+        result.append(inside)
+    return result
+
+
+def in_code(columns, column):
+    state = False
+    for start, flag in columns:
+        if start <= column:
+            state = flag
+    return state
+
+
+class Site:
+    """One switched mutant: the columns it replaces on its line and how it renders."""
+
+    def __init__(self, ident, mutant, start, end, form):
+        self.ident = ident
+        self.mutant = mutant
+        self.start = start
+        self.end = end
+        self.form = form  # "expression", "drop" or "return"
+        self.children = []
+
+
+def site_of(ident, mutant, line, masked, previous, columns):
+    """The switched form of one mutant, or None when it cannot be switched at run time."""
+    path, number, column, old, new, kind = mutant
+    if not in_code(columns, column):
+        return None
+    if re.search(r"\bconstexpr\b|\bstatic_assert\b|\btemplate\b", masked) and "if constexpr" not in masked:
+        return None
+    if kind in ("comparison", "logical", "arithmetic", "bitwise", "shift"):
+        span = binary_span(masked, previous, column, old)
+        return Site(ident, mutant, span[0], span[1], "expression") if span else None
+    if kind in ("constant", "boolean"):
+        label = re.match(r"^\s*case\b[^:]*:", masked)
+        if label and column < label.end():
+            return None
+        if kind == "constant" and in_braces(masked, column):
+            # Inside braces a literal that no longer fits its element does not build (narrowing),
+            # while the switched one would: one that crosses a width is rebuilt instead.
+            if any(literal_value(old) < limit <= literal_value(new) for limit in (0x80, 0x100, 0x8000, 0x10000,
+                                                                                 0x80000000, 0x100000000)):
+                return None
+            return Site(ident, mutant, column, column + len(old), "value")
+        return Site(ident, mutant, column, column + len(old), "expression")
+    if kind == "negation":
+        end = unary_operand_end(masked, column + 1)
+        if not end:
+            return None
+        before, after = masked[:column].rstrip(), masked[end:].lstrip()
+        # As a condition, the operand itself and its value as bool are the same; written so, a
+        # smart pointer's '!' switches too (both branches bool).
+        condition = re.search(r"(?:\b(?:if|while) \(|&&|\|\||\bif \(\()$", before) \
+            and re.match(r"(?:\)|&&|\|\|)", after)
+        return Site(ident, mutant, column, end, "condition" if condition else "expression")
+    if kind == "loop-bound":
+        return Site(ident, mutant, column, column + len(old), "expression")
+    if kind == "return-default":
+        start = masked.rfind("return ", 0, column)
+        end = masked.find(";", column + len(old))
+        if start < 0 or end < 0:
+            return None
+        return Site(ident, mutant, start, end + 1, "return")
+    if kind == "drop-call":
+        return Site(ident, mutant, column, len(masked.rstrip()), "drop")
+    return None
+
+
+def render(line, sites, start, end):
+    """The text of line[start:end] with the sites inside it switched."""
+    out = []
+    pos = start
+    for site in sites:
+        out.append(line[pos:site.start])
+        out.append(render_site(line, site))
+        pos = site.end
+    out.append(line[pos:end])
+    return "".join(out)
+
+
+def render_site(line, site):
+    original = render(line, site.children, site.start, site.end)
+    path, number, column, old, new, kind = site.mutant
+    test = "%s(%d)" % (SWITCH, site.ident)
+    if site.form == "drop":
+        return "{ if (!%s) { %s } }" % (test, original)
+    if site.form == "return":
+        return "{ if (%s) { return {}; } %s }" % (test, original)
+    if site.form == "value":
+        return "lumaven_mutant_value<decltype(%s)>{%d, %s, %s}" % (old, site.ident, old, new)
+    text = line[site.start:site.end]
+    offset = column - site.start
+    mutated = text[:offset] + new + text[offset + len(old):]
+    if site.form == "condition":
+        mutated = "static_cast<bool>(%s)" % mutated
+    return "(%s ? (%s) : (%s))" % (test, mutated, original)
+
+
+def nest(sites):
+    """Sites of one line as a forest by their columns; a site that overlaps another without
+    containing it or being contained is left out (returned apart)."""
+    ordered = sorted(sites, key=lambda s: (s.start, -s.end, s.ident))
+    roots = []
+    stack = []
+    dropped = []
+    for site in ordered:
+        while stack and stack[-1].end <= site.start:
+            stack.pop()
+        if stack and site.end > stack[-1].end:
+            dropped.append(site)
+            continue
+        (stack[-1].children if stack else roots).append(site)
+        stack.append(site)
+    return roots, dropped
+
+
+def bracket_balance(masked):
+    return tuple(masked.count(o) - masked.count(c) for o, c in ("()", "[]", "{}"))
+
+
+def rendered_spans(rendered, ids):
+    """{id: (start, end)} of each switch in a rendered line (columns from 0)."""
+    masked = rendered
+    spans = {}
+    for ident in ids:
+        m = re.search(r"\((?=%s\(%d\) \?)|\{ if \(!?%s\(%d\)\)|lumaven_mutant_value<decltype\([^)]*\)>(?=\{%d,)"
+                      % (SWITCH, ident, SWITCH, ident, ident), masked)
+        if not m:
+            continue
+        opener = m.start() if masked[m.start()] in "({" else m.end()
+        end = closing(masked, opener)
+        if end:
+            spans[ident] = (m.start(), end)
+    return spans
+
+
+def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None):
+    """The file's lines with its mutants switched, and the set of mutant ids switched.
+
+    mutants_with_ids: [(id, mutant)] of this file; excluded: ids never to switch (the ones a
+    build of the schemata refused)."""
+    masked_lines = [mask(line) for line in lines]
+    columns = code_columns(masked_lines)
+    by_line = {}
+    for ident, mutant in mutants_with_ids:
+        if ident in excluded:
+            continue
+        number = mutant[1]
+        previous = ""
+        for back in range(number - 2, -1, -1):
+            if masked_lines[back].strip():
+                previous = masked_lines[back]
+                break
+        site = site_of(ident, mutant, lines[number - 1], masked_lines[number - 1], previous, columns[number - 1])
+        if site is not None:
+            by_line.setdefault(number, []).append(site)
+    switched = set()
+    out = list(lines)
+    for number, sites in by_line.items():
+        roots, dropped = nest(sites)
+        kept = set(s.ident for s in sites) - set(s.ident for s in dropped)
+        line = lines[number - 1]
+        rendered = render(line, roots, 0, len(line))
+        if bracket_balance(mask(rendered)) != bracket_balance(masked_lines[number - 1]):
+            continue  # a switch that would break the line's brackets: its mutants are rebuilt instead
+        out[number - 1] = rendered
+        switched |= kept
+        if spans is not None:
+            spans[number] = rendered_spans(mask(rendered), kept)
+    return out, switched
+
+
+class FastEngine:
+    """The switched build: one private copy of the tree whose src/ files are their schemata, built
+    once; a mutant is run by naming it in LUMAVEN_MUTANT, first with only the tests that reach it
+    (from the per-test map), then, if it lives, with the full suites. A mutant that cannot be
+    switched (or that the schemata build refused) goes to the rebuild path."""
+
+    def __init__(self, work, lock, listing, keys, confirm=True):
+        import mutate as base
+        self.base = base
+        self.work = os.path.abspath(work)
+        self.lock = lock
+        self.listing = listing
+        self.keys = keys
+        self.confirm = confirm
+        self.ids = {mutant: ident for ident, mutant in enumerate(listing, 1)}
+        self.by_id = {ident: mutant for mutant, ident in self.ids.items()}
+        self.switched = set()
+        self.spans = {}
+
+    # -- the build ------------------------------------------------------------------------
+    def refused_path(self):
+        return os.path.join(self.work, "refused.txt")
+
+    def load_refused(self):
+        refused = set()
+        if os.path.exists(self.refused_path()):
+            with open(self.refused_path(), encoding="utf-8") as f:
+                refused = set(line.strip() for line in f if line.strip())
+        return refused
+
+    def schemata(self, refused):
+        """{path: text} of every file with switched mutants, and the ids switched."""
+        by_file = {}
+        for mutant in self.listing:
+            by_file.setdefault(mutant[0], []).append((self.ids[mutant], mutant))
+        texts = {}
+        switched = set()
+        for path, items in sorted(by_file.items()):
+            with open(os.path.join(self.base.ROOT, path), encoding="utf-8") as f:
+                lines = f.read().split("\n")
+            excluded = set(ident for ident, mutant in items if self.keys[mutant] in refused)
+            spans = {}
+            out, ids = schema_of(lines, items, self.base.mask, excluded, spans)
+            for number, by_id in spans.items():
+                self.spans[(path, number)] = by_id
+            if ids:
+                texts[path] = "\n".join(out)
+                switched |= ids
+        return texts, switched
+
+    def prepare(self):
+        base = self.base
+        os.makedirs(self.work, exist_ok=True)
+        self.log = os.path.join(self.work, "mutate.log")
+        header = os.path.join(self.work, "lumaven_mutant.h")
+        if not os.path.exists(header) or open(header).read() != HEADER:
+            with open(header, "w") as f:
+                f.write(HEADER)
+        for attempt in range(12):
+            refused = self.load_refused()
+            texts, self.switched = self.schemata(refused)
+            self.tree = base.prepare_copy(self.work, self.log, texts)
+            self.build = os.path.join(self.tree, "build")
+            if not os.path.exists(os.path.join(self.build, "build.ninja")):
+                flags = "-include %s -Werror=vla" % header
+                if base.run(["cmake", "--preset", "mingw", "-DCMAKE_CXX_FLAGS=%s" % flags], self.tree, self.log) != 0:
+                    raise SystemExit("cannot configure the switched copy; see %s" % self.log)
+            output = os.path.join(self.work, "build-output.txt")
+            with base.Lock(self.lock):
+                with open(output, "w") as out:
+                    code = subprocess.run(base.build_command(self.build) + ["--", "-k", "0"], cwd=self.tree,
+                                          stdout=out, stderr=subprocess.STDOUT).returncode
+            if code == 0:
+                break
+            with open(output, encoding="utf-8", errors="replace") as f:
+                newly = self.refusals(f.read())
+            if not newly:
+                raise SystemExit("the switched copy does not build, and no switch is to blame; see %s" % output)
+            with open(self.refused_path(), "a", encoding="utf-8") as f:
+                for key in sorted(newly):
+                    f.write(key + "\n")
+            print("switched build: %d more mutants refused by the compiler, built again" % len(newly), flush=True)
+        else:
+            raise SystemExit("the switched copy still does not build; see %s" % self.log)
+        print("switched build: %d of %d mutants switched at run time, %d rebuilt one by one" %
+              (len(self.switched), len(self.listing), len(self.listing) - len(self.switched)), flush=True)
+        self.bin = os.path.join(self.build, "bin")
+        self.prefix = os.path.join(self.build, "wineprefix")
+        self.coverage()
+
+    def refusals(self, output):
+        """Keys of the switched mutants on the lines the compiler's errors and their notes name."""
+        src = os.path.join(self.tree, "src") + os.sep
+        named = set()
+        files = set()
+        precise = set()
+        message = re.compile(r"(?m)(\S+?\.(?:cpp|h)):(\d+):(?:(\d+):)? (error|note|required from|warning)(.*)$")
+        for m in message.finditer(output):
+            path = os.path.normpath(m.group(1) if os.path.isabs(m.group(1)) else os.path.join(self.build, m.group(1)))
+            if not path.startswith(src):
+                continue
+            rel = os.path.relpath(path, self.tree)
+            number = int(m.group(2))
+            if m.group(4) == "error":
+                files.add(rel)
+            # An error inside one switch (a type that differs, a default no type has) refuses that
+            # switch; a line that cannot be switched at all (a constant expression) refuses them all.
+            spans = self.spans.get((rel, number), {})
+            column = int(m.group(3)) - 1 if m.group(3) else -1
+            inside = [(b - a, i) for i, (a, b) in spans.items() if a <= column < b]
+            if m.group(4) == "error" and "constexpr" not in m.group(5) and "constant" not in m.group(5) and inside:
+                precise.add(min(inside)[1])
+            else:
+                named.add((rel, number))
+        keys = set(self.keys[self.by_id[i]] for i in self.switched
+                   if (self.by_id[i][0], self.by_id[i][1]) in named or i in precise)
+        if not keys:
+            # Nothing switched on the lines named: every switch of the files with errors goes.
+            keys = set(self.keys[self.by_id[i]] for i in self.switched if self.by_id[i][0] in files)
+        return keys
+
+    # -- running the tests ----------------------------------------------------------------
+    def environment(self, mutant=0, trace=None):
+        env = dict(os.environ)
+        env["WINEPREFIX"] = self.prefix
+        env["WINEDEBUG"] = "-all"
+        env.pop("LUMAVEN_MUTANT", None)
+        env.pop("LUMAVEN_MUTANT_TRACE", None)
+        if mutant:
+            env["LUMAVEN_MUTANT"] = str(mutant)
+        if trace:
+            env["LUMAVEN_MUTANT_TRACE"] = trace
+        return env
+
+    def gtest(self, suite, tests, env, timeout, fail_fast=False):
+        """Runs the named tests of one suite program; (passed, the first failed test or why)."""
+        report_name = "fast-%s.xml" % suite
+        report = os.path.join(self.bin, "gtest-reports", report_name)
+        os.makedirs(os.path.dirname(report), exist_ok=True)
+        if os.path.exists(report):
+            os.remove(report)
+        command = [os.path.join(self.tree, "cmake", "wine-run.sh"), suite + ".exe",
+                   "--gtest_output=xml:gtest-reports/" + report_name]
+        if tests is not None:
+            command.append("--gtest_filter=" + ":".join(tests))
+        if fail_fast:
+            command.append("--gtest_fail_fast")
+        with open(self.log, "a") as out:
+            try:
+                code = subprocess.run(command, cwd=self.bin, env=env, stdout=out, stderr=subprocess.STDOUT,
+                                      timeout=timeout).returncode
+            except subprocess.TimeoutExpired:
+                self.stop_wine()
+                return False, "(time limit of %d s)" % timeout
+        if not os.path.exists(report):
+            return False, "(no report: the process ended early, exit code %d)" % code
+        try:
+            root = ElementTree.parse(report).getroot()
+        except ElementTree.ParseError:
+            return False, "(unreadable report)"
+        failed = self.base.failing_test(report)
+        count = int(root.get("tests", "0"))
+        if int(root.get("failures", "0")) or int(root.get("errors", "0")):
+            return False, failed
+        if tests is not None and count != len(tests):
+            return False, "(%d tests reported, %d asked)" % (count, len(tests))
+        if code != 0:
+            return False, "(exit code %d after the tests passed)" % code
+        return True, ""
+
+    def stop_wine(self):
+        subprocess.run(["wineserver", "-k"], env=self.environment(), stdout=subprocess.DEVNULL,
+                       stderr=subprocess.DEVNULL)
+
+    def list_tests(self, suite):
+        out = subprocess.run([os.path.join(self.tree, "cmake", "wine-run.sh"), suite + ".exe", "--gtest_list_tests"],
+                             cwd=self.bin, env=self.environment(), stdout=subprocess.PIPE, text=True).stdout
+        tests = []
+        group = None
+        for line in out.split("\n"):
+            if not line.strip():
+                continue
+            if not line.startswith(" "):
+                group = line.split("#")[0].strip()
+            else:
+                tests.append(group + line.split("#")[0].strip())
+        return tests
+
+    def ctest(self, suite, mutant):
+        report = os.path.join(self.bin, "gtest-reports", suite + ".xml")
+        code = self.base.run(["ctest", "--test-dir", self.build, "-R", "^%s$" % suite, "--timeout",
+                              str(self.base.SUITE_TIMEOUT[suite]), "--output-on-failure"], self.tree, self.log,
+                             env=self.environment(mutant))
+        return code == 0, ("" if code == 0 else self.base.failing_test(report))
+
+    def baseline(self):
+        """No mutant named: every suite must pass, or the switches changed the service."""
+        with self.base.Lock(self.lock):
+            for suite in self.base.SUITES:
+                passed, test = self.ctest(suite, 0)
+                if not passed:
+                    raise SystemExit("the switched copy fails %s with no mutant named (%s); see %s" %
+                                     (suite, test, self.log))
+
+    def fingerprint(self):
+        digest = hashlib.sha1()
+        for folder in ("src", "tests", "sim", "host", "include"):
+            for root, _, files in sorted(os.walk(os.path.join(self.tree, folder))):
+                for name in sorted(files):
+                    with open(os.path.join(root, name), "rb") as f:
+                        digest.update(name.encode() + f.read())
+        digest.update(HEADER.encode())
+        return digest.hexdigest()
+
+    def coverage(self):
+        """Per test, the switches it reaches: each test run alone with the trace on. Kept in
+        work/coverage.json while the copy's sources stay the same."""
+        path = os.path.join(self.work, "coverage.json")
+        fingerprint = self.fingerprint()
+        if os.path.exists(path):
+            with open(path) as f:
+                saved = json.load(f)
+            if saved.get("fingerprint") == fingerprint:
+                self.map = saved
+                self.index()
+                return
+        self.baseline()
+        started = time.time()
+        tests = {}
+        trace_root = os.path.join(self.work, "trace")
+        for suite in self.base.SUITES:
+            tests[suite] = []
+            lock = self.base.Lock(self.lock)
+            lock.__enter__()  # one hold per suite: a test alone is too short to queue for
+            for name in self.list_tests(suite):
+                trace = os.path.join(trace_root, suite, re.sub(r"[^\w.-]", "_", name))
+                shutil.rmtree(trace, ignore_errors=True)
+                os.makedirs(trace)
+                began = time.time()
+                passed, failed = self.gtest(suite, [name], self.environment(trace=trace), 300)
+                seconds = time.time() - began
+                if not passed:
+                    lock.__exit__()
+                    raise SystemExit("%s %s fails alone in the switched copy (%s)" % (suite, name, failed))
+                reached = set()
+                for trace_file in os.listdir(trace):
+                    with open(os.path.join(trace, trace_file)) as f:
+                        reached.update(int(x) for x in f.read().split() if x.isdigit())
+                tests[suite].append([name, round(seconds, 2), sorted(reached)])
+            lock.__exit__()
+            print("coverage map: %s, %d tests" % (suite, len(tests[suite])), flush=True)
+        self.map = {"fingerprint": fingerprint, "seconds": round(time.time() - started), "tests": tests}
+        with open(path, "w") as f:
+            json.dump(self.map, f)
+        self.index()
+
+    def index(self):
+        self.reaching = {}
+        for suite, tests in self.map["tests"].items():
+            for name, seconds, reached in tests:
+                for ident in reached:
+                    self.reaching.setdefault(ident, {}).setdefault(suite, []).append((name, seconds))
+
+    def is_switched(self, mutant):
+        return self.ids[mutant] in self.switched
+
+    def judge(self, mutant, plain):
+        """(verdict, suite, test, how) of one mutant."""
+        ident = self.ids[mutant]
+        if ident not in self.switched:
+            return plain.judge(mutant)
+        reaching = self.reaching.get(ident, {})
+        env = self.environment(ident)
+        # The suites' shares in the order of their time alone, shortest first; each stops at its
+        # first failed test.
+        order = sorted(reaching, key=lambda suite: sum(seconds for _, seconds in reaching[suite]))
+        crashed = ""
+        with self.base.Lock(self.lock):
+            for suite in order:
+                tests = reaching[suite]
+                names = [name for name, _ in tests]
+                limit = min(self.base.SUITE_TIMEOUT[suite], 30 + 3 * sum(seconds for _, seconds in tests))
+                if len(":".join(names)) > 20000:
+                    names = None  # too long a command line: the whole suite
+                passed, failed = self.gtest(suite, names, env, limit, fail_fast=True)
+                if not passed and failed.startswith("("):
+                    # A crash, a hang or an early exit of the tests alone: memory the mutant
+                    # corrupts may go unseen when the whole suite runs (another heap layout), as in
+                    # the rebuild's run, so the whole suite decides.
+                    passed, failed = self.ctest(suite, ident)
+                    if passed:
+                        crashed = "; %s crashed with only the tests reaching it, passed whole" % suite
+                        continue
+                    return "killed", suite, failed, "switched, %s whole after a crash" % suite
+                if not passed:
+                    return "killed", suite, failed, "switched, %d reaching tests" % sum(map(len, reaching.values()))
+            if not self.confirm:
+                return "survived", "", "", "switched, reaching tests only" + crashed
+            for suite in self.base.SUITES:
+                passed, failed = self.ctest(suite, ident)
+                if not passed:
+                    return "killed", suite, failed, "switched, full suites" + crashed
+        return "survived", "", "", "switched, full suites" + crashed
+
+
+def switchable(listing, mask):
+    """The mutants of the listing that the generator switches at run time (before any build)."""
+    by_file = {}
+    for ident, mutant in enumerate(listing, 1):
+        by_file.setdefault(mutant[0], []).append((ident, mutant))
+    import mutate as base
+    result = set()
+    for path, items in by_file.items():
+        with open(os.path.join(base.ROOT, path), encoding="utf-8") as f:
+            lines = f.read().split("\n")
+        _, ids = schema_of(lines, items, mask)
+        result |= set(mutant for ident, mutant in items if ident in ids)
+    return result

@@ -15,6 +15,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
@@ -124,27 +125,26 @@ TEST_F(IntelFeature, FailedOutputEnumerationIsLoggedOnceAndTheNextAdapterUsed)
     EXPECT_EQ(probes[0]["adapter"].GetInt(), 1);
 }
 
-TEST_F(IntelFeature, ModesOutsideTheTableDoNothing)
+// A mode outside the table, or any mode over an empty display list, answers 0 with status 0
+// and asks the driver nothing.
+TEST_F(IntelFeature, ModesOutsideTheTableAndEmptyListsDoNothing)
 {
     Machine(kPanel4174, Adapters({{kOpstOutput}}));
     ctl_display_output_handle_t displays[1] = {nullptr};
-    for (const uint32_t mode : {0u, 4u, 7u, 9u}) {
+    const std::vector<std::pair<uint32_t, uint32_t>> runs = {{1, 0},
+                                                             {1, 4},
+                                                             {1, 7},
+                                                             {1, 9},
+                                                             {0, kModeGetOpst},
+                                                             {0, kModeEnableOpst},
+                                                             {0, kModeDisableOpst},
+                                                             {0, kModeEdOn},
+                                                             {0, kModeEdOff},
+                                                             {0, kModeOpstSupport}};
+    for (const auto& [count, mode] : runs) {
         ctl_result_t status = static_cast<ctl_result_t>(0x1234);
-        EXPECT_EQ(ApplyToTargetDisplays(displays, 1, status, mode), 0) << mode;
-        EXPECT_EQ(status, CTL_RESULT_SUCCESS) << mode;
-    }
-    EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
-}
-
-TEST_F(IntelFeature, AnEmptyDisplayListAnswersZeroForEveryMode)
-{
-    Machine(kPanel4174, Adapters({{kOpstOutput}}));
-    ctl_display_output_handle_t displays[1] = {nullptr};
-    for (const uint32_t mode :
-         {kModeGetOpst, kModeEnableOpst, kModeDisableOpst, kModeEdOn, kModeEdOff, kModeOpstSupport}) {
-        ctl_result_t status = static_cast<ctl_result_t>(0x1234);
-        EXPECT_EQ(ApplyToTargetDisplays(displays, 0, status, mode), 0) << mode;
-        EXPECT_EQ(status, CTL_RESULT_SUCCESS) << mode;
+        EXPECT_EQ(ApplyToTargetDisplays(displays, count, status, mode), 0) << count << " displays, mode " << mode;
+        EXPECT_EQ(status, CTL_RESULT_SUCCESS) << count << " displays, mode " << mode;
     }
     EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
 }

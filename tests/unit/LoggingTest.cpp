@@ -10,6 +10,7 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <fstream>
 #include <sstream>
 #include <thread>
@@ -238,4 +239,20 @@ TEST(Logging, RecordsBeyondAMebiCharacterAreCut)
     const std::wstring text = Only(capture);
     EXPECT_EQ(text.size(), 1u << 20);
     EXPECT_EQ(text, huge.substr(0, 1u << 20));
+}
+
+TEST(Logging, NothingIsRenderedWhileNobodyListens)
+{
+    // No sink and no file: an argument that rendering would read (an address nothing is
+    // mapped at) is never touched, so these calls return quietly.
+    SetEnvironmentVariableW(L"XELTO_LOG_FILE", nullptr);
+    const auto* unmapped = reinterpret_cast<const wchar_t*>(static_cast<uintptr_t>(8));
+    Logger().LogInfo(L"%s", unmapped);
+    Logger().LogError("%s", unmapped);
+    Logger().LogError(L"%s", unmapped);
+    Logger().LogError(LoggingData{L"%s", 1, 0}, unmapped);
+    Logger().LogWarning(LoggingData{L"%s", 1, 0}, unmapped);
+    LogCapture capture;
+    Logger().LogInfo(L"%s", L"listened to");
+    EXPECT_EQ(Only(capture), L"listened to");
 }

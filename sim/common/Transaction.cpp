@@ -6,7 +6,7 @@
 
 namespace LumavenSim {
 
-Transaction::Transaction(const std::string& library, const char* call)
+Transaction::Transaction(const std::string& library, const char* call) : m_call(call)
 {
     m_doc.SetObject();
     Text("lib", library);
@@ -15,6 +15,7 @@ Transaction::Transaction(const std::string& library, const char* call)
 
 Transaction& Transaction::Add(const char* name, rapidjson::Value value)
 {
+    m_doc.RemoveMember(name);
     m_doc.AddMember(rapidjson::StringRef(name), value, m_doc.GetAllocator());
     return *this;
 }
@@ -24,8 +25,27 @@ Transaction& Transaction::Text(const char* name, const std::string& value)
     return Add(name, rapidjson::Value(value.c_str(), m_doc.GetAllocator()));
 }
 
-void Transaction::Write()
+Transaction& Transaction::Argument(rapidjson::Value value)
 {
+    m_args.PushBack(value, m_doc.GetAllocator());
+    return WithArguments();
+}
+
+Transaction& Transaction::WithArguments()
+{
+    m_withArguments = true;
+    return *this;
+}
+
+void Transaction::Finish(rapidjson::Value result)
+{
+    if (m_withArguments) {
+        m_doc.AddMember("args", m_args, m_doc.GetAllocator());
+        m_withArguments = false;
+    }
+    if (!result.IsNull()) {
+        m_doc.AddMember("result", result, m_doc.GetAllocator());
+    }
     AppendTransaction(m_doc);
 }
 

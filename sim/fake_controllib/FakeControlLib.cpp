@@ -20,6 +20,7 @@
 #include "IntelState.h"
 #include "RecordChecks.h"
 #include "SimState.h"
+#include "Transaction.h"
 
 #include "LumavenRapidJson.h"
 
@@ -93,49 +94,18 @@ std::string Utf8(const wchar_t* text)
 }
 
 // One call's transaction record: {"lib", "call", indices and what the call did, "args", "result"}.
-class Call {
+class Call : public LumavenSim::Transaction {
 public:
-    explicit Call(const char* function) : m_function(function)
-    {
-        m_record.SetObject();
-        Add("lib", "ControlLib");
-        Add("call", function);
-    }
+    explicit Call(const char* function) : Transaction("ControlLib", function) { WithArguments(); }
 
-    const char* Function() const { return m_function; }
-    rapidjson::Document::AllocatorType& Allocator() { return m_record.GetAllocator(); }
-
-    void Add(const char* name, rapidjson::Value value)
-    {
-        m_record.RemoveMember(name);
-        m_record.AddMember(rapidjson::StringRef(name), value, Allocator());
-    }
-    void Add(const char* name, const char* text) { Add(name, rapidjson::Value(text, Allocator())); }
-    void Add(const char* name, const std::string& text) { Add(name, text.c_str()); }
-    void Add(const char* name, uint32_t number) { Add(name, rapidjson::Value(number)); }
-    void Add(const char* name, uint64_t number) { Add(name, rapidjson::Value(number)); }
-    void Add(const char* name, bool flag) { Add(name, rapidjson::Value(flag)); }
-
-    void Argument(rapidjson::Value value) { m_args.PushBack(value, Allocator()); }
+    const char* Function() const { return Transaction::Call(); }
 
     // Records why the driver does not accept the call, and answers `code`.
     ctl_result_t Refuse(uint32_t code, const std::string& reason)
     {
-        Add("refused", reason);
+        Refused(reason);
         return static_cast<ctl_result_t>(code);
     }
-
-    void Finish(ctl_result_t result)
-    {
-        m_record.AddMember("args", m_args, Allocator());
-        m_record.AddMember("result", rapidjson::Value(static_cast<uint32_t>(result)), Allocator());
-        LumavenSim::AppendTransaction(m_record);
-    }
-
-private:
-    const char* m_function;
-    rapidjson::Document m_record;
-    rapidjson::Value m_args{rapidjson::kArrayType};
 };
 
 // How each parameter type is written into the record's "args".
@@ -148,7 +118,7 @@ void Encode(Call& call, T* pointer)
 void Encode(Call& call, ctl_device_adapter_handle_t handle)
 {
     if (const auto adapter = AdapterOf(handle)) {
-        call.Add("adapter", static_cast<uint32_t>(*adapter));
+        call.Unsigned("adapter", static_cast<uint32_t>(*adapter));
     }
     Encode<_ctl_device_adapter_handle_t>(call, handle);
 }
@@ -156,8 +126,8 @@ void Encode(Call& call, ctl_device_adapter_handle_t handle)
 void Encode(Call& call, ctl_display_output_handle_t handle)
 {
     if (const auto indices = OutputOf(handle)) {
-        call.Add("adapter", static_cast<uint32_t>(indices->first));
-        call.Add("output", static_cast<uint32_t>(indices->second));
+        call.Unsigned("adapter", static_cast<uint32_t>(indices->first));
+        call.Unsigned("output", static_cast<uint32_t>(indices->second));
     }
     Encode<_ctl_display_output_handle_t>(call, handle);
 }
@@ -269,7 +239,7 @@ ctl_result_t Act(Tag<Fn::ctlInit>, Call& call, Document&, ctl_init_args_t* passe
     if (const ctl_result_t refused = Receive(call, passed, args)) {
         return refused;
     }
-    call.Add("appVersion", args.AppVersion);
+    call.Unsigned("appVersion", args.AppVersion);
     if ((args.AppVersion >> 16) != Driver::kApiMajor) {
         return call.Refuse(Driver::kUnsupportedVersion, "AppVersion " + Hex(args.AppVersion) + ", major " +
                                                             std::to_string(args.AppVersion >> 16) + " not implemented");
@@ -305,7 +275,7 @@ ctl_result_t Act(Tag<Fn::ctlSetRuntimePath>, Call& call, Document&, ctl_runtime_
     if (args.pRuntimePath == nullptr) {
         return call.Refuse(Driver::kNullPointer, "no runtime path");
     }
-    call.Add("path", Utf8(args.pRuntimePath));
+    call.Text("path", Utf8(args.pRuntimePath));
     return Result(Driver::kSuccess);
 }
 
@@ -323,17 +293,17 @@ ctl_result_t Enumerate(Call& call, const Document& state, size_t available, uint
         return call.Refuse(Driver::kNullPointer, "no count");
     }
     const bool fill = handles != nullptr && *count != 0;
-    call.Add("filled", handles != nullptr);
+    call.Bool("filled", handles != nullptr);
     const std::optional<int64_t> answer = LumavenSim::CountAnswer(state, call.Function(), fill ? "fill" : "count");
     const uint32_t has = answer ? static_cast<uint32_t>(*answer) : static_cast<uint32_t>(available);
     if (!fill) {
         *count = has;
-        call.Add("count", *count);
+        call.Unsigned("count", *count);
         return Result(Driver::kSuccess);
     }
     const uint32_t room = *count;
     *count = has;
-    call.Add("count", *count);
+    call.Unsigned("count", *count);
     if (has > room) {
         return call.Refuse(Driver::kInvalidArgument,
                            "an array of " + std::to_string(room) + " for " + std::to_string(has) + " handles");
@@ -404,7 +374,7 @@ ctl_result_t Act(Tag<Fn::ctlGetDisplayProperties>, Call& call, Document& state, 
     properties.DisplayConfigFlags = (Intel::Attached(*output) ? Driver::kDisplayAttached : 0) |
                                     (Intel::Active(*output) ? Driver::kDisplayActive : 0);
     Give(properties, passed);
-    call.Add("flags", properties.DisplayConfigFlags);
+    call.Unsigned("flags", properties.DisplayConfigFlags);
     return Result(Driver::kSuccess);
 }
 
@@ -456,10 +426,10 @@ ctl_result_t Act(Tag<Fn::ctlAUXAccess>, Call& call, Document& state, ctl_display
         return error;
     }
     const bool write = args.OpType == Driver::kAuxWrite;
-    call.Add("op", args.OpType == Driver::kAuxRead ? "read" : write ? "write" : "other");
-    call.Add("flags", args.Flags);
-    call.Add("address", args.Address);
-    call.Add("size", args.DataSize);
+    call.Text("op", args.OpType == Driver::kAuxRead ? "read" : write ? "write" : "other");
+    call.Unsigned("flags", args.Flags);
+    call.Unsigned("address", args.Address);
+    call.Unsigned("size", args.DataSize);
     if (const auto [code, reason] = CheckAux(args); code != Driver::kSuccess) {
         return call.Refuse(code, reason);
     }
@@ -478,7 +448,7 @@ ctl_result_t Act(Tag<Fn::ctlAUXAccess>, Call& call, Document& state, ctl_display
     } else {
         Give(args, passed);
     }
-    call.Add("data", LumavenSim::BytesToHex(args.Data, args.DataSize));
+    call.Text("data", LumavenSim::BytesToHex(args.Data, args.DataSize));
     return Result(Driver::kSuccess);
 }
 
@@ -492,7 +462,7 @@ ctl_result_t Act(Tag<Fn::ctlGetPowerOptimizationCaps>, Call& call, Document& sta
     }
     caps.SupportedFeatures = Intel::DpstSupported(*output) ? Driver::kFeatureDpst : 0;
     Give(caps, passed);
-    call.Add("supported", caps.SupportedFeatures);
+    call.Unsigned("supported", caps.SupportedFeatures);
     return Result(Driver::kSuccess);
 }
 
@@ -501,7 +471,7 @@ ctl_result_t Act(Tag<Fn::ctlGetPowerOptimizationCaps>, Call& call, Document& sta
 // unsupported.
 ctl_result_t CheckSettings(Call& call, const rapidjson::Value& output, const Driver::PowerSettings& settings)
 {
-    call.Add("feature", settings.PowerOptimizationFeature);
+    call.Unsigned("feature", settings.PowerOptimizationFeature);
     if (settings.PowerOptimizationPlan > Driver::kPlanPowerSaver) {
         return call.Refuse(Driver::kInvalidArgument,
                            "PowerOptimizationPlan " + std::to_string(settings.PowerOptimizationPlan) + " is unknown");
@@ -540,9 +510,9 @@ ctl_result_t Act(Tag<Fn::ctlGetPowerOptimizationSetting>, Call& call, Document& 
     dpst.EnabledFeatures = Intel::DpstEnabledFeatures(*output);
     settings.Enable = dpst.EnabledFeatures != 0 ? 1 : 0;
     Give(settings, passed);
-    call.Add("enable", settings.Enable != 0);
-    call.Add("supportedFeatures", dpst.SupportedFeatures);
-    call.Add("enabledFeatures", dpst.EnabledFeatures);
+    call.Bool("enable", settings.Enable != 0);
+    call.Unsigned("supportedFeatures", dpst.SupportedFeatures);
+    call.Unsigned("enabledFeatures", dpst.EnabledFeatures);
     return Result(Driver::kSuccess);
 }
 
@@ -556,8 +526,8 @@ ctl_result_t Act(Tag<Fn::ctlSetPowerOptimizationSetting>, Call& call, Document& 
         return error;
     }
     const uint32_t requested = settings.FeatureSpecificData.DPSTInfo.EnabledFeatures;
-    call.Add("enable", settings.Enable != 0);
-    call.Add("features", requested);
+    call.Bool("enable", settings.Enable != 0);
+    call.Unsigned("features", requested);
     if (settings.Enable > 1) {
         return call.Refuse(Driver::kInvalidArgument, "Enable " + std::to_string(settings.Enable) + " is not a bool");
     }
@@ -578,7 +548,7 @@ ctl_result_t Act(Tag<Fn::ctlSetPowerOptimizationSetting>, Call& call, Document& 
     }
     const uint32_t enabled = Intel::DpstEnabledFeatures(*output);
     Intel::SetDpstEnabledFeatures(state, *output, settings.Enable != 0 ? enabled | requested : enabled & ~requested);
-    call.Add("opst", (Intel::DpstEnabledFeatures(*output) & Intel::kOpst) != 0);
+    call.Bool("opst", (Intel::DpstEnabledFeatures(*output) & Intel::kOpst) != 0);
     return Result(Driver::kSuccess);
 }
 
@@ -597,8 +567,7 @@ ctl_result_t Serve(const char* function, Args... args)
         result = fault ? static_cast<ctl_result_t>(*fault) : Act(Tag<id>{}, call, state, args...);
         return true;
     });
-    call.Finish(result);
-    return result;
+    return call.Done(result);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 // profiles. Each call is counted (so a profile can inject a failure into it) and written to
 // the transaction log.
 #include "SimState.h"
+#include "Transaction.h"
 
 #include "LumavenRapidJson.h"
 
@@ -103,18 +104,15 @@ using Texts = std::initializer_list<std::pair<const char*, std::string>>;
 // Writes one call to the transaction log and hands back its result.
 HRESULT Record(const char* call, HRESULT result, Texts texts = {}, std::optional<UINT> index = std::nullopt)
 {
-    rapidjson::Document record(rapidjson::kObjectType);
-    auto& allocator = record.GetAllocator();
-    record.AddMember("lib", "dxgi.dll", allocator);
-    record.AddMember("call", rapidjson::Value(call, allocator), allocator);
+    LumavenSim::Transaction record("dxgi.dll", call);
     for (const auto& [key, text] : texts) {
-        record.AddMember(rapidjson::StringRef(key), rapidjson::Value(text.c_str(), allocator), allocator);
+        record.Text(key, text);
     }
     if (index) {
-        record.AddMember("index", *index, allocator);
+        record.Unsigned("index", *index);
     }
-    record.AddMember("result", static_cast<uint32_t>(result), allocator);
-    LumavenSim::AppendTransaction(record);
+    // Logged as the unsigned code it is, the way HRESULTs are read.
+    record.Done(static_cast<uint32_t>(result));
     return result;
 }
 

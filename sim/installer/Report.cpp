@@ -2,8 +2,10 @@
 
 #include "IntelState.h"
 #include "SimState.h"
+#include "TransactionLog.h"
 
 #include <cstdio>
+#include <optional>
 #include <sstream>
 
 namespace LumavenSim {
@@ -63,12 +65,6 @@ std::string AmdDescription(const rapidjson::Document& state)
     return out.str();
 }
 
-bool IsAuxTransaction(const rapidjson::Document& record)
-{
-    const std::string call = Text(record, "call");
-    return call == "ctlAUXAccess" || call == "ADL2_Display_NativeAUXChannel_Access";
-}
-
 }  // namespace
 
 std::string DescribeDrivers()
@@ -84,28 +80,23 @@ std::string DescribeDrivers()
 std::string DescribeTransactions(bool auxOnly)
 {
     std::ostringstream out;
-    for (const std::string& line : ReadTransactions()) {
-        rapidjson::Document record;
-        record.Parse(line.c_str());
-        if (record.HasParseError() || (auxOnly && !IsAuxTransaction(record))) {
-            continue;
-        }
+    for (const TransactionRecord& record : TransactionLog::Read().Records()) {
         if (!auxOnly) {
-            out << "  " << line << "\n";
+            out << "  " << record.Text() << "\n";
             continue;
         }
-        const std::string call = Text(record, "call");
+        const std::optional<AuxAccess> access = record.Aux();
+        if (!access) {
+            continue;
+        }
         char address[16];
-        if (call == "ctlAUXAccess") {
-            std::snprintf(address, sizeof address, "%04X",
-                          record.HasMember("address") && record["address"].IsUint() ? record["address"].GetUint() : 0);
-            out << "  intel output " << (record.HasMember("output") ? record["output"].GetInt() : -1) << " AUX "
-                << Text(record, "op") << " " << address << ": " << Text(record, "data") << "\n";
+        std::snprintf(address, sizeof address, "%04X", access->address);
+        if (access->driver == AuxAccess::Driver::Intel) {
+            out << "  intel output " << access->output << " AUX " << record.String("op") << " " << address << ": "
+                << record.String("data") << "\n";
         } else {
-            std::snprintf(address, sizeof address, "%04X",
-                          record.HasMember("address") && record["address"].IsInt() ? record["address"].GetInt() : 0);
-            out << "  amd adapter " << record["adapter"].GetInt() << " display " << record["display"].GetInt()
-                << " AUX write " << address << ": " << Text(record, "bytes") << "\n";
+            out << "  amd adapter " << access->adapter << " display " << access->output << " AUX write " << address
+                << ": " << record.String("bytes") << "\n";
         }
     }
     return out.str();

@@ -326,21 +326,12 @@ std::string Hex4(int64_t address)
     return text;
 }
 
-int64_t Number(const rapidjson::Value& record, const char* name)
-{
-    if (!record.HasMember(name)) {
-        return 0;
-    }
-    const auto& value = record[name];
-    return value.IsInt64() ? value.GetInt64() : value.IsUint64() ? static_cast<int64_t>(value.GetUint64()) : 0;
-}
-
 std::string Text(const rapidjson::Value& record, const char* name)
 {
     return record.HasMember(name) && record[name].IsString() ? record[name].GetString() : "";
 }
 
-std::string Token(const rapidjson::Value& record)
+std::string Token(const LumavenSim::TransactionRecord& record)
 {
     static const std::map<std::string, std::string> names = {
         {"ctlInit", "Init"},
@@ -368,33 +359,32 @@ std::string Token(const rapidjson::Value& record)
         {"IsSupported", "IsSup"},
         {"SetMaximizeBattery", "MaxBat"},
     };
-    const std::string call = Text(record, "call");
+    const std::string call = record.Call();
     std::string token;
     if (call == "ctlAUXAccess") {
-        const std::string op = Text(record, "op");
+        const std::string op = record.String("op");
         token = op == "write" ? "W" : op == "read" ? "R" : "Aux";
         if (!op.empty()) {
-            token += Hex4(Number(record, "address"));
+            token += Hex4(record.Number("address", 0));
         }
-        if (record.HasMember("data")) {
-            token += "=" + Text(record, "data");
+        if (record.Has("data")) {
+            token += "=" + record.String("data");
         }
     } else if (call == "ADL2_Display_NativeAUXChannel_Access") {
-        token = (Number(record, "command") == 1 ? "W" : "R") + Hex4(Number(record, "address")) + "=" +
-                Text(record, "bytes");
+        token = (record.Number("command", 0) == 1 ? "W" : "R") + Hex4(record.Number("address", 0)) + "=" +
+                record.String("bytes");
     } else if (call == "SetEnabled") {
-        token = std::string("En=") +
-                (record.HasMember("value") && record["value"].IsBool() && record["value"].GetBool() ? "1" : "0");
+        token = std::string("En=") + (record.Flag("value") ? "1" : "0");
     } else {
         const auto found = names.find(call);
         token = found != names.end() ? found->second : call;
     }
     static const std::set<std::string> usualLibraries = {"ControlLib", "atiadlxx.dll", "amdadlx64.dll"};
-    const std::string lib = Text(record, "lib");
+    const std::string lib = record.Library();
     if (usualLibraries.count(lib) == 0) {
         token = lib + ":" + token;
     }
-    if (Number(record, "result") != 0) {
+    if (record.Number("result", 0) != 0) {
         token += "!";
     }
     return token;
@@ -403,8 +393,8 @@ std::string Token(const rapidjson::Value& record)
 std::string Trace()
 {
     std::string trace;
-    for (const rapidjson::Document& record : LumavenTest::Transactions()) {
-        if (!record.IsObject() || Text(record, "call") == "Release") {
+    for (const auto& record : LumavenSim::TransactionLog::Read().Records()) {
+        if (record.Call() == "Release") {
             continue;
         }
         trace += (trace.empty() ? "" : " ") + Token(record);

@@ -3,8 +3,6 @@
 #include "RunSettings.h"
 #include "SimState.h"
 
-#include "LumavenRapidJson.h"
-
 namespace LumavenReliability {
 
 namespace {
@@ -16,55 +14,26 @@ struct AuxOp {
     size_t record = 0;
 };
 
-bool Calls(const std::string& record, const char* call)
-{
-    return record.find(std::string("\"call\":\"") + call + "\"") != std::string::npos;
-}
-
-uint32_t Address(const rapidjson::Value& record)
-{
-    return record.HasMember("address") && record["address"].IsInt64()
-               ? static_cast<uint32_t>(record["address"].GetInt64())
-               : 0xFFFFFFFF;
-}
-
-std::string Text(const rapidjson::Value& record, const char* name)
-{
-    return record.HasMember(name) && record[name].IsString() ? record[name].GetString() : "";
-}
-
-int64_t Number(const rapidjson::Value& record, const char* name)
-{
-    return record.HasMember(name) && record[name].IsInt64() ? record[name].GetInt64() : -1;
-}
-
-std::vector<AuxOp> Extract(const std::vector<std::string>& records, AuxChannel channel)
+std::vector<AuxOp> Extract(const LumavenSim::TransactionLog& log, AuxChannel channel)
 {
     const bool intel = channel == AuxChannel::IntelControlLib;
-    const char* access = intel ? "ctlAUXAccess" : "ADL2_Display_NativeAUXChannel_Access";
     const char* open = intel ? "ctlInit" : "ADL2_Main_Control_Create";
     const char* close = intel ? "ctlClose" : "ADL2_Main_Control_Destroy";
+    const LumavenSim::AuxAccess::Driver driver =
+        intel ? LumavenSim::AuxAccess::Driver::Intel : LumavenSim::AuxAccess::Driver::Amd;
     std::vector<AuxOp> ops;
-    for (size_t index = 0; index < records.size(); ++index) {
-        const std::string& line = records[index];
-        if (Calls(line, open)) {
+    for (size_t index = 0; index < log.Size(); ++index) {
+        const LumavenSim::TransactionRecord& record = log.Records()[index];
+        const std::string call = record.Call();
+        if (call == open) {
             ops.push_back({AuxOp::SessionOpen, {}, 0, index});
-        } else if (Calls(line, close)) {
+        } else if (call == close) {
             ops.push_back({AuxOp::SessionClose, {}, 0, index});
-        } else if (Calls(line, access)) {
-            rapidjson::Document record;
-            record.Parse(line.c_str());
-            if (record.HasParseError() || !record.IsObject()) {
-                continue;
-            }
-            const bool write = intel ? Text(record, "op") == "write" : Number(record, "command") == 1;
-            AuxOp op{write ? AuxOp::Write : AuxOp::Read, {Address(record), {}}, 0, index};
-            if (write) {
-                op.access.bytes = Text(record, intel ? "data" : "bytes");
-            } else {
-                op.size = static_cast<size_t>(Number(record, intel ? "size" : "dataSize"));
-            }
-            ops.push_back(op);
+        } else if (const auto access = record.Aux(); access && access->driver == driver) {
+            ops.push_back({access->write ? AuxOp::Write : AuxOp::Read,
+                           {access->address, access->bytes},
+                           access->write ? 0 : access->size,
+                           index});
         }
     }
     return ops;
@@ -193,18 +162,18 @@ std::string AuxTally::Figures() const
                   static_cast<unsigned long long>(sessions), static_cast<unsigned long long>(violations));
 }
 
-void CheckAuxLog(const std::vector<std::string>& records, uint32_t panelId, AuxChannel channel, AuxTally& tally)
+void CheckAuxLog(const LumavenSim::TransactionLog& log, uint32_t panelId, AuxChannel channel, AuxTally& tally)
 {
-    const std::vector<AuxOp> ops = Extract(records, channel);
+    const std::vector<AuxOp> ops = Extract(log, channel);
     CheckSessions(ops, tally);
     CheckSequences(ops, SequencesOf(panelId), channel, tally);
 }
 
 void CheckAndClearAuxLog(const Laptop& laptop, AuxTally& tally)
 {
-    const std::vector<std::string> records = LumavenSim::ReadTransactions();
+    const LumavenSim::TransactionLog log = LumavenSim::TransactionLog::Read();
     LumavenSim::ClearTransactions();
-    CheckAuxLog(records, laptop.panelId, laptop.channel, tally);
+    CheckAuxLog(log, laptop.panelId, laptop.channel, tally);
 }
 
 }  // namespace LumavenReliability

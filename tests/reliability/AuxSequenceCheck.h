@@ -4,6 +4,7 @@
 #pragma once
 
 #include "Laptops.h"
+#include "TransactionLog.h"
 
 #include <cstdint>
 #include <string>
@@ -36,9 +37,8 @@ struct AuxTally {
     std::string Figures() const;  // "aux-on=.. aux-off=.. sessions=.. aux-violations=.."
 };
 
-// Checks one stretch of the log (compact JSON records, oldest first) taken while no command
-// was running, and adds to `tally`.
-void CheckAuxLog(const std::vector<std::string>& records, uint32_t panelId, AuxChannel channel, AuxTally& tally);
+// Checks one stretch of the log taken while no command was running, and adds to `tally`.
+void CheckAuxLog(const LumavenSim::TransactionLog& log, uint32_t panelId, AuxChannel channel, AuxTally& tally);
 
 // Reads the log, checks it and clears it.
 void CheckAndClearAuxLog(const Laptop& laptop, AuxTally& tally);

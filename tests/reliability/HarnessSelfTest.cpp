@@ -55,7 +55,7 @@ std::vector<std::string> AmdSequence(bool on)
 AuxTally Check(const std::vector<std::string>& records, const Laptop& laptop)
 {
     AuxTally tally;
-    CheckAuxLog(records, laptop.panelId, laptop.channel, tally);
+    CheckAuxLog(LumavenSim::TransactionLog(records), laptop.panelId, laptop.channel, tally);
     return tally;
 }
 

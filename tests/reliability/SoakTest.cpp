@@ -186,11 +186,8 @@ private:
 int64_t AdlxOrphansAtTermination()
 {
     int64_t orphans = -1;
-    for (const auto& record : LumavenTest::Transactions()) {
-        if (record.IsObject() && record.HasMember("call") && record["call"].IsString() &&
-            std::string(record["call"].GetString()) == "ADLXTerminate" && record.HasMember("orphans")) {
-            orphans = record["orphans"].GetInt64();
-        }
+    for (const auto& record : LumavenSim::TransactionLog::Read().CallsOf("ADLXTerminate")) {
+        orphans = record.Number("orphans", orphans);
     }
     return orphans;
 }

@@ -48,13 +48,8 @@ const FloorCase kCases[] = {
 std::vector<std::string> VendorCalls()
 {
     std::vector<std::string> calls;
-    for (rapidjson::Document& record : LumavenTest::Transactions()) {
-        record.RemoveMember("args");
-        record.RemoveMember("time");
-        rapidjson::StringBuffer text;
-        rapidjson::Writer<rapidjson::StringBuffer> writer(text);
-        record.Accept(writer);
-        calls.emplace_back(text.GetString());
+    for (const auto& record : LumavenSim::TransactionLog::Read().Records()) {
+        calls.push_back(record.TextWithout({"args", "time"}));
     }
     return calls;
 }

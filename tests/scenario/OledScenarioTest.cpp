@@ -46,33 +46,14 @@ rapidjson::Document State()
     return copy;
 }
 
-// The AUX writes the fakes logged since the log was last cleared, in order.
-std::vector<rapidjson::Document> AuxWriteRecords()
-{
-    std::vector<rapidjson::Document> writes;
-    for (auto& record : LumavenTest::Transactions()) {
-        const std::string call = record.HasMember("call") ? record["call"].GetString() : "";
-        if ((call == "ctlAUXAccess" && std::string(record["op"].GetString()) == "write") ||
-            call == "ADL2_Display_NativeAUXChannel_Access") {
-            writes.push_back(std::move(record));
-        }
-    }
-    return writes;
-}
-
-// The same writes as "address=bytes" each.
+// The AUX writes the fakes logged since the log was last cleared, as "address=bytes" each.
 std::vector<std::string> AuxWrites()
 {
     std::vector<std::string> writes;
-    for (const auto& record : AuxWriteRecords()) {
+    for (const LumavenSim::AuxAccess& write : LumavenSim::TransactionLog::Read().AuxWrites()) {
         char address[16];
-        if (std::string(record["call"].GetString()) == "ctlAUXAccess") {
-            snprintf(address, sizeof address, "%04X", record["address"].GetUint());
-            writes.push_back(std::string(address) + "=" + record["data"].GetString());
-        } else {
-            snprintf(address, sizeof address, "%04X", static_cast<unsigned>(record["address"].GetInt()));
-            writes.push_back(std::string(address) + "=" + record["bytes"].GetString());
-        }
+        snprintf(address, sizeof address, "%04X", write.address);
+        writes.push_back(std::string(address) + "=" + write.bytes);
     }
     return writes;
 }
@@ -82,9 +63,8 @@ std::vector<std::string> AuxWrites()
 milliseconds FirstAuxWriteAfter(int64_t since)
 {
     int64_t first = -1;
-    for (const auto& record : AuxWriteRecords()) {
-        const int64_t time = record["time"].GetInt64();
-        first = first < 0 ? time : std::min(first, time);
+    for (const LumavenSim::AuxAccess& write : LumavenSim::TransactionLog::Read().AuxWrites()) {
+        first = first < 0 ? write.time : std::min(first, write.time);
     }
     return milliseconds(first < 0 ? -1 : (first - since) / 1000);
 }
@@ -201,7 +181,7 @@ TEST_F(IntelLaptop, EventsWhileStoredOffOnlyLogTheirEntry)
     LogCapture capture;
     host.Deliver(kConsoleDisplayState, 0);
     host.Deliver(kConsoleDisplayState, 1);
-    EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
+    EXPECT_TRUE(LumavenSim::TransactionLog::Read().Empty());
     EXPECT_EQ(capture.Count(L"LumavenService - OledEventCalled entered"), 2u);
     EXPECT_EQ(capture.Count(L"LumavenService - OledEventCalled OLED ON"), 0u);
 }
@@ -228,16 +208,13 @@ TEST_F(AmdLaptop, PowerSaveOnWritesThePanelThroughAdapterZeroDisplayZero)
     EXPECT_TRUE(AdlxDisplay(state)["varibrightEnabled"].GetBool());
     EXPECT_STREQ(AdlxDisplay(state)["varibrightMode"].GetString(), "maximizeBattery");
     EXPECT_EQ(AuxWrites(), (std::vector<std::string>{"045C=06", "0454=18", "0453=41", "045A=C0", "045B=40"}));
-    for (const auto& record : LumavenTest::Transactions()) {
-        if (record.HasMember("call") &&
-            std::string(record["call"].GetString()) == "ADL2_Display_NativeAUXChannel_Access") {
-            EXPECT_EQ(record["adapter"].GetInt(), 0);
-            EXPECT_EQ(record["display"].GetInt(), 0);
-            EXPECT_EQ(record["size"].GetInt(), 36);
-            EXPECT_EQ(record["auxStatus"].GetInt(), 0);
-            EXPECT_EQ(record["command"].GetInt(), 1);
-            EXPECT_EQ(record["dataSize"].GetInt(), 1);
-        }
+    for (const auto& record : LumavenSim::TransactionLog::Read().CallsOf("ADL2_Display_NativeAUXChannel_Access")) {
+        EXPECT_EQ(record["adapter"].GetInt(), 0);
+        EXPECT_EQ(record["display"].GetInt(), 0);
+        EXPECT_EQ(record["size"].GetInt(), 36);
+        EXPECT_EQ(record["auxStatus"].GetInt(), 0);
+        EXPECT_EQ(record["command"].GetInt(), 1);
+        EXPECT_EQ(record["dataSize"].GetInt(), 1);
     }
     EXPECT_EQ(AmdRegister("0x045A"), 0xC0);
     EXPECT_EQ(LumavenTest::OledDword(), 1u);

@@ -47,26 +47,14 @@ void InstallWithFaults(const std::string& name, const char* faults)
 // The names of the calls made into `library`, in order.
 std::vector<std::string> CallsInto(const std::string& library)
 {
-    std::vector<std::string> calls;
-    for (const auto& record : LumavenTest::Transactions()) {
-        if (record.IsObject() && record.HasMember("lib") && library == record["lib"].GetString()) {
-            calls.push_back(record["call"].GetString());
-        }
-    }
-    return calls;
+    return LumavenSim::TransactionLog::Read().CallNames(library);
 }
 
 // The last record of a call into `library`, as compact JSON; empty when there is none.
 std::string LastCall(const std::string& library, const std::string& call)
 {
-    std::string last;
-    for (const std::string& text : LumavenSim::ReadTransactions()) {
-        if (text.find("\"lib\":\"" + library + "\"") != std::string::npos &&
-            text.find("\"call\":\"" + call + "\"") != std::string::npos) {
-            last = text;
-        }
-    }
-    return last;
+    const auto last = LumavenSim::TransactionLog::Read().Last({.lib = library, .call = call});
+    return last ? last->Text() : std::string();
 }
 
 // How often the library was loaded and how often FreeLibrary unloaded it, from the driver's

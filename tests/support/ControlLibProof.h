@@ -137,12 +137,11 @@ void Prove(const std::string& name, ctl_result_t(CTL_APICALL* function)(Args...)
     LumavenSim::ClearTransactions();
     const ctl_result_t result = function(std::get<I>(args)...);
     EXPECT_EQ(static_cast<uint32_t>(result), DriverResult(index)) << name;
-    const std::vector<rapidjson::Document> records = LumavenTest::Transactions();
+    const auto records = LumavenSim::TransactionLog::Read().Records();
     ASSERT_EQ(records.size(), 1u) << name << ": the simulated driver should have seen exactly this call";
-    const rapidjson::Document& record = records[0];
-    ASSERT_TRUE(record.IsObject() && record.HasMember("call") && record.HasMember("args") && record.HasMember("result"))
-        << name;
-    EXPECT_EQ(std::string(record["call"].GetString()), name);
+    const LumavenSim::TransactionRecord& record = records[0];
+    ASSERT_TRUE(record.Has("call") && record.Has("args") && record.Has("result")) << name;
+    EXPECT_EQ(record.Call(), name);
     EXPECT_EQ(record["result"].GetUint(), DriverResult(index)) << name;
     ASSERT_TRUE(record["args"].IsArray()) << name;
     ASSERT_EQ(record["args"].Size(), sizeof...(Args)) << name;

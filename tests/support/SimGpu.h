@@ -24,10 +24,10 @@ inline void InstallGpu(const std::string& gpuName, const std::string& extraMembe
 inline std::vector<std::string> DescribedAdapters()
 {
     std::vector<std::string> descriptions;
-    for (const auto& record : Transactions()) {
-        if (record.IsObject() && record.HasMember("lib") && record["lib"] == "dxgi.dll" && record.HasMember("call") &&
-            record["call"] == "IDXGIAdapter::GetDesc" && record.HasMember("description")) {
-            descriptions.emplace_back(record["description"].GetString());
+    for (const auto& record :
+         LumavenSim::TransactionLog::Read().Select({.lib = "dxgi.dll", .call = "IDXGIAdapter::GetDesc"})) {
+        if (record.Has("description")) {
+            descriptions.push_back(record.String("description"));
         }
     }
     return descriptions;

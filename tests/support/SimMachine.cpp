@@ -1,8 +1,7 @@
 #include "SimMachine.h"
 
-#include "DetachGuard.h"
 #include "Installer.h"
-#include "SimState.h"
+#include "TransactionLog.h"
 
 #include <gtest/gtest.h>
 
@@ -44,28 +43,11 @@ std::string MonitorsProfile(const std::vector<std::string>& monitors)
     return profile + "]}";
 }
 
-std::vector<rapidjson::Document> Transactions()
-{
-    std::vector<rapidjson::Document> records;
-    for (const std::string& text : LumavenSim::ReadTransactions()) {
-        rapidjson::Document record;
-        record.Parse(text.c_str());
-        records.push_back(std::move(record));
-    }
-    return records;
-}
-
 std::vector<std::string> CallsAfterDetach()
 {
     std::vector<std::string> calls;
-    for (const std::string& text : LumavenSim::ReadTransactions()) {
-        rapidjson::Document record;
-        record.Parse(text.c_str());
-        if (!record.HasParseError() && record.IsObject() && record.HasMember("refused") &&
-            record["refused"].IsString() &&
-            std::string(record["refused"].GetString()).rfind(LumavenSim::kAfterDetach, 0) == 0) {
-            calls.push_back(text);
-        }
+    for (const LumavenSim::TransactionRecord& record : LumavenSim::TransactionLog::Read().AfterDetach()) {
+        calls.push_back(record.Text());
     }
     return calls;
 }

@@ -1,7 +1,8 @@
 // Puts the simulated laptop a test needs into the Wine prefix.
 #pragma once
 
-#include "LumavenRapidJson.h"
+// Tests that install a machine read back what its drivers saw through the one reader.
+#include "TransactionLog.h"
 
 #include <string>
 #include <vector>
@@ -18,9 +19,6 @@ std::string MonitorsProfile(const std::vector<std::string>& monitors);
 
 // The directory of the running test executable (bin).
 std::wstring ExecutableDirectory();
-
-// The fake drivers' transaction log as parsed JSON records.
-std::vector<rapidjson::Document> Transactions();
 
 // The records of calls a fake driver refused because they reached it after its own
 // DLL_PROCESS_DETACH, as compact JSON texts. Any such record is a failure: it can only come

@@ -74,7 +74,7 @@ protected:
 };
 
 // The AUX record as the fake received it: every field of the 36 bytes.
-void ExpectAuxRecord(const rapidjson::Value& record, const AuxWrite& write)
+void ExpectAuxRecord(const LumavenSim::TransactionRecord& record, const AuxWrite& write)
 {
     EXPECT_EQ(Text(record, "lib"), "atiadlxx.dll");
     EXPECT_EQ(Number(record, "adapter"), 0);
@@ -184,10 +184,10 @@ TEST_F(AdlAuxChannel, FallsBackToAtiadlxy)
 {
     InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, R"({"atiadlxy.dll":"atiadlxx.dll"})"));
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
-    const auto records = LumavenTest::Transactions();
+    const auto records = LumavenSim::TransactionLog::Read().Records();
     ASSERT_FALSE(records.empty());
     for (const auto& record : records) {
-        EXPECT_EQ(Text(record, "lib"), "atiadlxy.dll") << Call(record);
+        EXPECT_EQ(Text(record, "lib"), "atiadlxy.dll") << record.Call();
     }
     EXPECT_EQ(RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(), 5u);
 }
@@ -197,8 +197,8 @@ TEST_F(AdlAuxChannel, PrefersAtiadlxxWhenBothArePresent)
     InstallProfile(Laptop({Adapter(0, {Display(3, 0)})},
                           R"({"atiadlxx.dll":"atiadlxx.dll","atiadlxy.dll":"atiadlxx_noaux.dll"})"));
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
-    for (const auto& record : LumavenTest::Transactions()) {
-        EXPECT_EQ(Text(record, "lib"), "atiadlxx.dll") << Call(record);
+    for (const auto& record : LumavenSim::TransactionLog::Read().Records()) {
+        EXPECT_EQ(Text(record, "lib"), "atiadlxx.dll") << record.Call();
     }
 }
 

@@ -34,31 +34,16 @@ inline int64_t StateNumber(const char* section, const char* name)
     return state[section][name].GetInt64();
 }
 
-inline std::string Call(const rapidjson::Document& record)
-{
-    return record.HasMember("call") && record["call"].IsString() ? record["call"].GetString() : "";
-}
-
 // The names of the logged calls, in order.
 inline std::vector<std::string> Calls()
 {
-    std::vector<std::string> calls;
-    for (const rapidjson::Document& record : Transactions()) {
-        calls.push_back(Call(record));
-    }
-    return calls;
+    return LumavenSim::TransactionLog::Read().CallNames();
 }
 
 // The logged records of one call, in order.
-inline std::vector<rapidjson::Document> RecordsOf(const std::string& call)
+inline std::vector<LumavenSim::TransactionRecord> RecordsOf(const std::string& call)
 {
-    std::vector<rapidjson::Document> records;
-    for (rapidjson::Document& record : Transactions()) {
-        if (Call(record) == call) {
-            records.push_back(std::move(record));
-        }
-    }
-    return records;
+    return LumavenSim::TransactionLog::Read().CallsOf(call);
 }
 
 inline int64_t Number(const rapidjson::Value& record, const char* name)
@@ -74,6 +59,23 @@ inline std::string Text(const rapidjson::Value& record, const char* name)
 inline bool Flag(const rapidjson::Value& record, const char* name)
 {
     return record.HasMember(name) && record[name].IsBool() && record[name].GetBool();
+}
+
+// The same for a logged record; the fallbacks are values no record carries, so that a missing
+// member never passes for an expected one.
+inline int64_t Number(const LumavenSim::TransactionRecord& record, const char* name)
+{
+    return record.Number(name, -999999);
+}
+
+inline std::string Text(const LumavenSim::TransactionRecord& record, const char* name)
+{
+    return record.String(name, "(none)");
+}
+
+inline bool Flag(const LumavenSim::TransactionRecord& record, const char* name)
+{
+    return record.Flag(name);
 }
 
 }  // namespace LumavenTest::Amd

@@ -80,7 +80,7 @@ TEST_F(ControlLibClient, MajorVersion2WithoutRuntimePathIsRefusedAndLoadsNothing
     EXPECT_EQ(controlLibModule, nullptr);
     EXPECT_EQ(api, nullptr);
     EXPECT_EQ(Intel::Counter("loads"), 0);
-    EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
+    EXPECT_TRUE(LumavenSim::TransactionLog::Read().Empty());
 }
 
 TEST_F(ControlLibClient, MinorVersionsOfMajor1AreAccepted)
@@ -107,14 +107,14 @@ TEST_F(ControlLibClient, RuntimePathSkipsTheVersionCheckAndLoadsTheNamedLibrary)
     EXPECT_TRUE(SameFile(ModulePath(controlLibModule), path));
 
     // The library is told the runtime path (the caller's record itself) before its ctlInit.
-    const auto records = LumavenTest::Transactions();
+    const auto records = LumavenSim::TransactionLog::Read().Records();
     ASSERT_EQ(records.size(), 2u);
     EXPECT_STREQ(records[0]["call"].GetString(), "ctlSetRuntimePath");
     EXPECT_EQ(records[0]["args"][0].GetUint64(), Address(&runtime));
     EXPECT_EQ(std::string(records[0]["path"].GetString()), std::string(path.begin(), path.end()));
     EXPECT_STREQ(records[1]["call"].GetString(), "ctlInit");
     EXPECT_EQ(records[1]["appVersion"].GetUint(), 0x00020000u);
-    EXPECT_TRUE(records[1].HasMember("refused"));
+    EXPECT_TRUE(records[1].Refused());
 
     ASSERT_EQ(Init(&api), CTL_RESULT_SUCCESS);
     EXPECT_EQ(ctlClose(api), CTL_RESULT_SUCCESS);
@@ -250,7 +250,7 @@ TEST_F(ControlLibClient, CloseWithoutALibraryAnswersNotInitializedAndForgetsTheR
     ASSERT_EQ(ctlSetRuntimePath(&runtime), CTL_RESULT_SUCCESS);
     EXPECT_EQ(ctlClose(nullptr), CTL_RESULT_ERROR_NOT_INITIALIZED);
     EXPECT_EQ(runtimePathArgs, nullptr);
-    EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
+    EXPECT_TRUE(LumavenSim::TransactionLog::Read().Empty());
 }
 
 TEST_F(ControlLibClient, CloseOnALibraryWithoutTheSymbolKeepsItLoaded)

@@ -74,16 +74,9 @@ protected:
     }
 
     // The transaction records of one entry point, in order.
-    static std::vector<rapidjson::Document> Calls(const std::string& function)
+    static std::vector<LumavenSim::TransactionRecord> Calls(const std::string& function)
     {
-        std::vector<rapidjson::Document> calls;
-        for (rapidjson::Document& record : Transactions()) {
-            if (record.IsObject() && record.HasMember("call") && record["call"].IsString() &&
-                function == record["call"].GetString()) {
-                calls.push_back(std::move(record));
-            }
-        }
-        return calls;
+        return LumavenSim::TransactionLog::Read().CallsOf(function);
     }
 
     static uint64_t Address(const void* pointer) { return static_cast<uint64_t>(reinterpret_cast<uintptr_t>(pointer)); }

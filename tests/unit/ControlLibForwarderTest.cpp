@@ -45,7 +45,7 @@ TEST_F(ControlLibForwarders, EveryForwarderBeforeInitAnswersNotInitialized)
     EXPECT_EQ(ExpectEveryForwarderAnswers(CTL_RESULT_ERROR_NOT_INITIALIZED), 90);
     EXPECT_EQ(controlLibModule, nullptr);
     EXPECT_EQ(LumavenSim::Intel::Counter("loads"), 0);
-    EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
+    EXPECT_TRUE(LumavenSim::TransactionLog::Read().Empty());
 }
 
 TEST_F(ControlLibForwarders, EveryForwarderPassesItsArgumentsAndTheDriversResultUnchanged)
@@ -67,7 +67,7 @@ TEST_F(ControlLibForwarders, EveryForwarderAnswersNotInitializedWhenTheLibraryLa
     LumavenSim::ClearTransactions();
     EXPECT_EQ(ExpectEveryForwarderAnswers(CTL_RESULT_ERROR_NOT_INITIALIZED), 90);
     EXPECT_NE(controlLibModule, nullptr);
-    EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
+    EXPECT_TRUE(LumavenSim::TransactionLog::Read().Empty());
 }
 
 TEST_F(ControlLibForwarders, TheSymbolIsLookedUpAgainAfterTheLibraryWasReplaced)

@@ -345,8 +345,8 @@ TEST_F(FakeAdl, EveryRecordTheServiceSendsIsAccepted)
     ASSERT_TRUE(WriteAuxDataAmd(0x416C834C, BuildAuxDataMap().at(AuxDataKey{0x416C834C, true})));
     ReleaseAdlBinding();
     size_t checked = 0;
-    for (const rapidjson::Document& record : LumavenTest::Transactions()) {
-        EXPECT_EQ(Text(record, "refused"), "(none)") << Call(record);
+    for (const auto& record : LumavenSim::TransactionLog::Read().Records()) {
+        EXPECT_EQ(Text(record, "refused"), "(none)") << record.Call();
         ++checked;
     }
     for (const char* call :

@@ -264,8 +264,8 @@ TEST_F(FakeAdlx, EverythingTheServiceDoesIsAccepted)
     EXPECT_TRUE(SetVaribrightEnabled(false));
     g_ADLXHelp.Terminate();
     size_t checked = 0;
-    for (const rapidjson::Document& record : LumavenTest::Transactions()) {
-        EXPECT_EQ(Text(record, "refused"), "(none)") << Call(record);
+    for (const auto& record : LumavenSim::TransactionLog::Read().Records()) {
+        EXPECT_EQ(Text(record, "refused"), "(none)") << record.Call();
         ++checked;
     }
     for (const char* call : {"ADLXInitialize", "GetDisplaysServices", "GetDisplays", "At", "GetVariBright",

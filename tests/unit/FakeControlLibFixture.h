@@ -89,7 +89,7 @@ protected:
     static std::string Last(const std::string& function, const char* member)
     {
         const auto calls = Calls(function);
-        if (calls.empty() || !calls.back().HasMember(member)) {
+        if (calls.empty() || !calls.back().Has(member)) {
             return "(none)";
         }
         const rapidjson::Value& value = calls.back()[member];

@@ -146,7 +146,7 @@ TEST_F(IntelFeature, ModesOutsideTheTableAndEmptyListsDoNothing)
         EXPECT_EQ(ApplyToTargetDisplays(displays, count, status, mode), 0) << count << " displays, mode " << mode;
         EXPECT_EQ(status, CTL_RESULT_SUCCESS) << count << " displays, mode " << mode;
     }
-    EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
+    EXPECT_TRUE(LumavenSim::TransactionLog::Read().Empty());
 }
 
 TEST_F(IntelFeature, VerifyingAnEmptyListIsFalseAndReadsNothing)
@@ -155,7 +155,7 @@ TEST_F(IntelFeature, VerifyingAnEmptyListIsFalseAndReadsNothing)
     ctl_result_t status = static_cast<ctl_result_t>(0x1234);
     EXPECT_FALSE(VerifyAuxData(status, nullptr, {}));
     EXPECT_EQ(status, CTL_RESULT_SUCCESS);
-    EXPECT_TRUE(LumavenSim::ReadTransactions().empty());
+    EXPECT_TRUE(LumavenSim::TransactionLog::Read().Empty());
 }
 
 TEST_F(IntelFeature, FailingInitStillClosesAndAnswersDeviceError)
@@ -432,8 +432,7 @@ TEST_F(IntelFeature, CommandsThatShareTheLockNeverInterleaveTheirSessions)
     // Every session is ctlInit ... ctlClose with nothing of another session in between.
     int open = 0;
     int sessions = 0;
-    for (const auto& record : LumavenTest::Transactions()) {
-        const std::string fn = record.HasMember("call") ? record["call"].GetString() : "";
+    for (const std::string& fn : LumavenSim::TransactionLog::Read().CallNames()) {
         if (fn == "ctlInit") {
             EXPECT_EQ(open, 0) << "a session started inside another";
             ++open;

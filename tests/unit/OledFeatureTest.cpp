@@ -193,9 +193,7 @@ TEST_F(OledFeature, IntelPowerSaveOnSkipsEdWhenOpstFails)
     EXPECT_EQ(result.status, StatusSuccess);
     EXPECT_EQ(result.response, L"{}");
     EXPECT_EQ(LumavenTest::OledDword(), 0u);
-    for (const auto& record : LumavenTest::Transactions()) {
-        EXPECT_NE(std::string(record["call"].GetString()), "ctlAUXAccess");
-    }
+    EXPECT_TRUE(LumavenSim::TransactionLog::Read().CallsOf("ctlAUXAccess").empty());
 }
 
 TEST_F(OledFeature, AmdPowerSaveOnRewritesTheRequest)
@@ -343,7 +341,7 @@ TEST_F(OledFeature, EventOnAnotherVendorWithPowerSavingOnWritesNothing)
     EXPECT_EQ(capture.Texts(), (std::vector<std::wstring>{L"LumavenService - OledEventCalled entered",
                                                           L"LumavenService - OledEventCalled OLED ON",
                                                           L"LumavenService - OledEventCalled PrevDisplay OFF"}));
-    EXPECT_TRUE(LumavenTest::Transactions().empty()) << "no vendor library is asked";
+    EXPECT_TRUE(LumavenSim::TransactionLog::Read().Empty()) << "no vendor library is asked";
 }
 
 TEST_F(OledFeature, EventHoldsTheServiceMutexThroughItsWaitAndWrite)
@@ -461,6 +459,6 @@ TEST_F(OledFeature, CompositeHandlersCheckTheirDocuments)
         EXPECT_EQ(capture.Texts(), (std::vector<std::wstring>{request, response, request, response}));
         EXPECT_EQ(document.MemberCount(), 1u) << "the document is left as it was";
     }
-    EXPECT_TRUE(LumavenTest::Transactions().empty()) << "no driver is asked";
+    EXPECT_TRUE(LumavenSim::TransactionLog::Read().Empty()) << "no driver is asked";
     EXPECT_EQ(LumavenTest::OledDword(), 0u);
 }

@@ -55,57 +55,65 @@ constexpr wchar_t kValueName[] = L"OLED";
 
 // ---- The machines ----------------------------------------------------------------------------
 
+namespace Profile = LumavenSim::Profile;
+
 struct MachineSetup {
     const char* serviceKey;  // machines that start the same service share one
     int32_t vendor;
-    std::string profile;  // without "libraries"
-    std::map<std::string, std::string> libraries;
+    Profile::Machine profile;
 };
 
-std::string IntelOutput(int dpstEnabled, const char* dpcd)
+Profile::IntelOutput IntelOutput(uint32_t dpstEnabled, std::map<std::string, std::string> dpcd = {})
 {
-    return R"({"attached":true,"dpstSupported":true,"opstSupported":true,"dpstEnabled":)" +
-           std::to_string(dpstEnabled) + R"(,"dpcd":)" + dpcd + "}";
+    return {.attached = true,
+            .dpcd = std::move(dpcd),
+            .dpstSupported = true,
+            .opstSupported = true,
+            .dpstEnabled = dpstEnabled};
 }
 
-std::string IntelProfile(const char* panel, const std::string& adapters)
+Profile::Machine IntelProfile(LumavenSim::PanelIdentity panel, std::vector<Profile::IntelAdapter> adapters)
 {
-    return R"("monitors":[{"panel":")" + std::string(panel) +
-           R"("}],"gpuName":"Intel(R) Iris(R) Xe Graphics","gpuVendorId":"8086","gpuDeviceId":"9A49",)"
-           R"("intel":{"adapters":[)" +
-           adapters + "]}";
+    return {.monitors = {{.panel = panel}},
+            .gpuName = "Intel(R) Iris(R) Xe Graphics",
+            .gpuVendorId = "8086",
+            .gpuDeviceId = "9A49",
+            .libraries = {{"dxgi.dll", "dxgi.dll"}, {"ControlLib.dll", "ControlLib.dll"}},
+            .intel = Profile::Intel{.adapters = std::move(adapters)}};
 }
 
-std::string AmdProfile(bool panelOn)
+Profile::Machine AmdProfile(bool panelOn)
 {
-    return std::string(R"("monitors":[{"panel":"4C836C41"}],"gpuName":"AMD Radeon(TM) Graphics",)"
-                       R"("gpuVendorId":"1002","gpuDeviceId":"1638",)"
-                       R"("amd":{"adapters":[{"adapterIndex":0,"displays":[{"infoValue":3,)"
-                       R"("logicalAdapterIndex":0,"panel":"4C836C41","dpcd":{"0x045A":)") +
-           (panelOn ? "192" : "0") + R"(}}]}]},"adlx":{"displays":[{"varibrightSupported":true,)" +
-           R"("varibrightEnabled":)" + (panelOn ? "true" : "false") + R"(,"varibrightMode":"balanced"}]})";
+    return {
+        .monitors = {{.panel = LumavenSim::Panels::kSdc416C}},
+        .gpuName = "AMD Radeon(TM) Graphics",
+        .gpuVendorId = "1002",
+        .gpuDeviceId = "1638",
+        .libraries = {{"dxgi.dll", "dxgi.dll"}, {"atiadlxx.dll", "atiadlxx.dll"}, {"amdadlx64.dll", "amdadlx64.dll"}},
+        .amd = Profile::Amd{.adapters = {{.adapterIndex = 0,
+                                          .displays = {{.infoValue = 3,
+                                                        .logicalAdapterIndex = 0,
+                                                        .panel = LumavenSim::Panels::kSdc416C,
+                                                        .dpcd = {{"0x045A", panelOn ? 192 : 0}}}}}}},
+        .adlx = Profile::Adlx{
+            .displays = {{.varibrightSupported = true, .varibrightEnabled = panelOn, .varibrightMode = "balanced"}}}};
 }
 
 MachineSetup Setup(Machine machine)
 {
-    const std::map<std::string, std::string> intelLibraries = {{"dxgi.dll", "dxgi.dll"},
-                                                               {"ControlLib.dll", "ControlLib.dll"}};
-    const std::map<std::string, std::string> amdLibraries = {
-        {"dxgi.dll", "dxgi.dll"}, {"atiadlxx.dll", "atiadlxx.dll"}, {"amdadlx64.dll", "amdadlx64.dll"}};
-    const std::string output = "{\"outputs\":[" + IntelOutput(0, "{}") + "]}";
+    using LumavenSim::Panels::kSdc4160;
+    const Profile::IntelAdapter adapter{.outputs = {IntelOutput(0)}};
     switch (machine) {
-    case Machine::IntelOpstOff: return {"intel-4160", kVendorIntel, IntelProfile("4C836041", output), intelLibraries};
+    case Machine::IntelOpstOff: return {"intel-4160", kVendorIntel, IntelProfile(kSdc4160, {adapter})};
     case Machine::IntelOpstOn:
-        return {"intel-4160", kVendorIntel, IntelProfile("4C836041", "{\"outputs\":[" + IntelOutput(4, "{}") + "]}"),
-                intelLibraries};
-    case Machine::IntelTwoAdapters:
-        return {"intel-4160", kVendorIntel, IntelProfile("4C836041", output + "," + output), intelLibraries};
+        return {"intel-4160", kVendorIntel, IntelProfile(kSdc4160, {{.outputs = {IntelOutput(4)}}})};
+    case Machine::IntelTwoAdapters: return {"intel-4160", kVendorIntel, IntelProfile(kSdc4160, {adapter, adapter})};
     case Machine::IntelPanel4174:
         return {"intel-4174", kVendorIntel,
-                IntelProfile("4C837441", "{\"outputs\":[" + IntelOutput(0, R"({"4027":"00"})") + "]}"), intelLibraries};
-    case Machine::IntelNoAdapters: return {"intel-4160", kVendorIntel, IntelProfile("4C836041", ""), intelLibraries};
-    case Machine::AmdPanelOff: return {"amd-416C", kVendorAmd, AmdProfile(false), amdLibraries};
-    case Machine::AmdPanelOn: return {"amd-416C", kVendorAmd, AmdProfile(true), amdLibraries};
+                IntelProfile(LumavenSim::Panels::kSdc4174, {{.outputs = {IntelOutput(0, {{"4027", "00"}})}}})};
+    case Machine::IntelNoAdapters: return {"intel-4160", kVendorIntel, IntelProfile(kSdc4160, {})};
+    case Machine::AmdPanelOff: return {"amd-416C", kVendorAmd, AmdProfile(false)};
+    case Machine::AmdPanelOn: return {"amd-416C", kVendorAmd, AmdProfile(true)};
     }
     return {};
 }
@@ -120,7 +128,7 @@ std::vector<std::string> Words(const std::string& text)
     return words;
 }
 
-std::string ProfileJson(const FaultRow& row)
+Profile::Machine ProfileOf(const FaultRow& row)
 {
     MachineSetup setup = Setup(row.machine);
     for (const std::string& change : Words(row.drivers)) {
@@ -128,16 +136,12 @@ std::string ProfileJson(const FaultRow& row)
         const std::string name = change.substr(0, equals);
         const std::string file = equals == std::string::npos ? "" : change.substr(equals + 1);
         if (file.empty()) {
-            setup.libraries.erase(name);
+            setup.profile.libraries.erase(name);
         } else {
-            setup.libraries[name] = file;
+            setup.profile.libraries[name] = file;
         }
     }
-    std::string libraries;
-    for (const auto& [name, file] : setup.libraries) {
-        libraries += (libraries.empty() ? "" : ",") + ("\"" + name + "\":\"" + file + "\"");
-    }
-    return "{" + setup.profile + ",\"libraries\":{" + libraries + "}}";
+    return setup.profile;
 }
 
 // ---- The process and the registry between rows --------------------------------------------------
@@ -287,33 +291,22 @@ XeltoClient::Reply Run(LumavenService& service, const Action& action)
 
 void Arm(const std::vector<Fault>& faults)
 {
-    LumavenSim::WithState([&faults](rapidjson::Document& state) {
-        auto& allocator = state.GetAllocator();
-        rapidjson::Value list(rapidjson::kArrayType);
-        rapidjson::Value counts(rapidjson::kArrayType);
-        for (const Fault& fault : faults) {
-            // "name#count" / "name#fill": the count the enumeration finds, not a failure.
-            const std::string function = fault.function;
-            const size_t hash = function.find('#');
-            rapidjson::Value entry(rapidjson::kObjectType);
-            entry.AddMember("function", rapidjson::Value(function.substr(0, hash).c_str(), allocator), allocator);
-            if (hash == std::string::npos) {
-                entry.AddMember("code", rapidjson::Value(fault.code), allocator);
-            } else {
-                entry.AddMember("call", rapidjson::Value(function.substr(hash + 1).c_str(), allocator), allocator);
-                entry.AddMember("answer", rapidjson::Value(fault.code), allocator);
-            }
-            entry.AddMember("nth", rapidjson::Value(fault.nth), allocator);
-            (hash == std::string::npos ? list : counts).PushBack(entry, allocator);
+    std::vector<LumavenSim::Profile::Fault> failures;
+    std::vector<LumavenSim::Profile::Count> counts;
+    for (const Fault& fault : faults) {
+        // "name#count" / "name#fill": the count the enumeration finds, not a failure.
+        const std::string function = fault.function;
+        const size_t hash = function.find('#');
+        if (hash == std::string::npos) {
+            failures.push_back({.function = function, .code = fault.code, .nth = fault.nth});
+        } else {
+            counts.push_back({.function = function.substr(0, hash),
+                              .call = function.substr(hash + 1),
+                              .answer = fault.code,
+                              .nth = fault.nth});
         }
-        state.RemoveMember("faults");
-        state.AddMember("faults", list, allocator);
-        state.RemoveMember("counts");
-        state.AddMember("counts", counts, allocator);
-        state.RemoveMember("calls");
-        state.AddMember("calls", rapidjson::Value(rapidjson::kObjectType), allocator);
-        return true;
-    });
+    }
+    LumavenSim::Profile::Arm(failures, counts);
     LumavenSim::ClearTransactions();
 }
 
@@ -587,7 +580,7 @@ std::vector<std::string> RunRow(const FaultRow& row)
     // the installer from replacing it), the shared OPST record, the display state of the
     // event path.
     LumavenTest::ResetServiceProcessState();
-    LumavenTest::InstallProfile(ProfileJson(row));
+    LumavenTest::InstallProfile(ProfileOf(row));
     LumavenService& service = ServiceFor(row.machine);
     if (service.m_videoController != Setup(row.machine).vendor) {
         mismatches.push_back("the service started for another vendor: " + std::to_string(service.m_videoController));

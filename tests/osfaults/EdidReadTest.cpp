@@ -19,14 +19,14 @@ const std::wstring kUnsupported = L"I:LumavenService cannot be initialized as it
 
 // A supported panel whose EDID carries two extension blocks: 384 bytes, more than the first
 // buffer of 256 holds. The read grows the buffer to twice the size the registry reports.
-const char kLongEdid[] = R"({"panel":"4C837441","edidLength":384})";
+const LumavenSim::Profile::Monitor kLongEdid{.panel = LumavenSim::Panels::kSdc4174, .edidLength = 384};
 constexpr size_t kGrownBuffer = 768;
 
 class EdidRead : public ::testing::Test {
 protected:
-    static void Machine(const std::vector<std::string>& monitors)
+    static void Machine(const std::vector<LumavenSim::Profile::Monitor>& monitors)
     {
-        LumavenTest::InstallProfile(LumavenTest::MonitorsProfile(monitors));
+        LumavenTest::InstallProfile(LumavenSim::Profile::Machine{.monitors = monitors});
     }
 
     // The factory on a DLL loaded for this run, with `arrange` setting the faults; checks that
@@ -69,7 +69,7 @@ TEST_F(EdidRead, ABufferThatCannotGrowLeavesTheMonitorOut)
 
 TEST_F(EdidRead, AfterAMonitorLeftOutTheNextIsRead)
 {
-    Machine({kLongEdid, "4C836041"});
+    Machine({kLongEdid, {.panel = LumavenSim::Panels::kSdc4160}});
     const Outcome outcome = Factory([] { FailAllocationsFrom(kGrownBuffer); });
     EXPECT_TRUE(outcome.created) << "the walk stopped at the monitor whose buffer could not grow";
     EXPECT_EQ(outcome.logs, std::vector<std::wstring>{});
@@ -81,7 +81,7 @@ TEST_F(EdidRead, AValueThatClaimsMoreRoomWithoutGrowingLeavesTheMonitorOut)
     // offered. Taking either at its word would read forever.
     for (const DWORD claim : {128u, 384u}) {
         SCOPED_TRACE("claimed " + std::to_string(claim));
-        Machine({"4C837441"});
+        Machine({{.panel = LumavenSim::Panels::kSdc4174}});
         const Outcome outcome = Factory([claim] { AnswerEdidClaim(claim); });
         EXPECT_FALSE(outcome.created);
         EXPECT_EQ(outcome.logs, std::vector<std::wstring>{kUnsupported});

@@ -136,11 +136,11 @@ void CheckSequences(const std::vector<AuxOp>& all, const PanelSequences& panel, 
 PanelSequences SequencesOf(uint32_t panelId)
 {
     switch (panelId) {
-    case 0x4174834C: return {{{0x4027, "C0"}}, {{0x4027, "00"}}};
-    case 0x416C834C:
+    case LumavenSim::Panels::kSdc4174.id: return {{{0x4027, "C0"}}, {{0x4027, "00"}}};
+    case LumavenSim::Panels::kSdc416C.id:
         return {{{0x045C, "06"}, {0x0454, "18"}, {0x0453, "41"}, {0x045A, "C0"}, {0x045B, "40"}},
                 {{0x045C, "06"}, {0x0454, "18"}, {0x0453, "41"}, {0x045A, "00"}, {0x045B, "40"}}};
-    case 0x4160834C:
+    case LumavenSim::Panels::kSdc4160.id:
         return {{{0x404B, "7C84CC"}, {0x4056, "1756FE"}, {0x404E, "0C0003"}, {0x4054, "02"}},
                 {{0x404B, "7C84CC"}, {0x4056, "1756F0"}, {0x404E, "0C0003"}, {0x4054, "02"}}};
     default: return {};

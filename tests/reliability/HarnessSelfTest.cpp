@@ -45,7 +45,8 @@ const std::string kCtlClose = "{\"lib\":\"ControlLib\",\"call\":\"ctlClose\",\"r
 std::vector<std::string> AmdSequence(bool on)
 {
     std::vector<std::string> records{kAdlCreate};
-    for (const AuxWrite& write : on ? SequencesOf(0x416C834C).on : SequencesOf(0x416C834C).off) {
+    for (const AuxWrite& write :
+         on ? SequencesOf(LumavenSim::Panels::kSdc416C.id).on : SequencesOf(LumavenSim::Panels::kSdc416C.id).off) {
         records.push_back(AmdAux(write.address, write.bytes.c_str()));
     }
     records.push_back(kAdlDestroy);

@@ -2,6 +2,7 @@
 // a host forwards.
 #pragma once
 
+#include "Panels.h"
 #include "XeltoClient.h"
 
 #include <windows.h>
@@ -24,8 +25,9 @@ struct Laptop {
     AuxChannel channel;
 };
 
-inline constexpr Laptop kIntelLaptop{"IntelLaptop", "intel-laptop", 0x4174834C, AuxChannel::IntelControlLib};
-inline constexpr Laptop kAmdLaptop{"AmdLaptop", "amd-laptop", 0x416C834C, AuxChannel::AmdAdl};
+inline constexpr Laptop kIntelLaptop{"IntelLaptop", "intel-laptop", LumavenSim::Panels::kSdc4174.id,
+                                     AuxChannel::IntelControlLib};
+inline constexpr Laptop kAmdLaptop{"AmdLaptop", "amd-laptop", LumavenSim::Panels::kSdc416C.id, AuxChannel::AmdAdl};
 
 inline bool IsAmd(const Laptop& laptop)
 {

@@ -234,9 +234,12 @@ TEST_F(AmdLaptop, PowerSaveOffReportsVaribrightThenThePanel)
 
 TEST_F(AmdLaptop, PowerSaveOffWithoutAdlxStillSwitchesThePanel)
 {
-    LumavenTest::InstallProfile(R"({"monitors":[{"panel":"4C836C41"}],"gpuName":"AMD Radeon(TM) Graphics",
-        "libraries":{"dxgi.dll":"dxgi.dll","atiadlxx.dll":"atiadlxx.dll"},
-        "amd":{"adapters":[{"adapterIndex":0,"displays":[{"infoValue":3,"panel":"4C836C41"}]}]}})");
+    LumavenTest::InstallProfile(LumavenSim::Profile::Machine{
+        .monitors = {{.panel = LumavenSim::Panels::kSdc416C}},
+        .gpuName = "AMD Radeon(TM) Graphics",
+        .libraries = {{"dxgi.dll", "dxgi.dll"}, {"atiadlxx.dll", "atiadlxx.dll"}},
+        .amd = LumavenSim::Profile::Amd{
+            .adapters = {{.adapterIndex = 0, .displays = {{.infoValue = 3, .panel = LumavenSim::Panels::kSdc416C}}}}}});
     HostedService host;
     const auto off = host.Run(12);
     EXPECT_EQ(off.status, kSuccess);
@@ -271,8 +274,9 @@ TEST_F(AmdLaptop, DisplayOnReappliesThroughAdl)
 
 TEST(OtherVendor, CommandsThatNeedAVendorDoNothing)
 {
-    LumavenTest::InstallProfile(R"({"monitors":[{"panel":"4C837441"}],"gpuName":"Microsoft Basic Display Adapter",
-        "libraries":{"dxgi.dll":"dxgi.dll"}})");
+    LumavenTest::InstallProfile(LumavenSim::Profile::Machine{.monitors = {{.panel = LumavenSim::Panels::kSdc4174}},
+                                                             .gpuName = "Microsoft Basic Display Adapter",
+                                                             .libraries = {{"dxgi.dll", "dxgi.dll"}}});
     LumavenTest::DeleteSettingsKey();
     HostedService host;
     ASSERT_TRUE(host.Created());

@@ -25,23 +25,10 @@
 namespace {
 
 // A shipped profile with these vendor faults injected.
-void InstallWithFaults(const std::string& name, const char* faults)
+void InstallWithFaults(const std::string& name, const std::vector<LumavenSim::Profile::Fault>& faults)
 {
-    const std::wstring path =
-        LumavenTest::ExecutableDirectory() + L"\\profiles\\" + std::wstring(name.begin(), name.end()) + L".json";
-    std::ifstream file(path.c_str());
-    std::ostringstream text;
-    text << file.rdbuf();
-    rapidjson::Document profile;
-    profile.Parse(text.str().c_str());
-    ASSERT_TRUE(profile.IsObject()) << name;
-    rapidjson::Document parsed;
-    parsed.Parse(faults);
-    profile.AddMember("faults", rapidjson::Value(parsed, profile.GetAllocator()), profile.GetAllocator());
-    rapidjson::StringBuffer buffer;
-    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
-    profile.Accept(writer);
-    LumavenTest::InstallProfile(buffer.GetString());
+    LumavenTest::InstallShippedProfile(name);
+    LumavenSim::Profile::Arm(faults);
 }
 
 // The names of the calls made into `library`, in order.
@@ -80,9 +67,10 @@ bool Contains(const std::vector<std::string>& calls, const std::string& call)
 
 // ADL's count of adapters fails, so command 9 stops after creating its context: the library
 // stays loaded and the context alive until the service lets go of them.
-constexpr char kAdlStopsEarly[] = R"([{"function":"ADL2_Adapter_NumberOfAdapters_Get","code":-1}])";
+const std::vector<LumavenSim::Profile::Fault> kAdlStopsEarly{
+    {.function = "ADL2_Adapter_NumberOfAdapters_Get", .code = -1}};
 // ControlLib refuses every ctlClose, so the library stays loaded after each Intel session.
-constexpr char kControlLibStaysOpen[] = R"([{"function":"ctlClose","code":1073741825}])";
+const std::vector<LumavenSim::Profile::Fault> kControlLibStaysOpen{{.function = "ctlClose", .code = 1073741825}};
 
 }  // namespace
 

@@ -42,17 +42,16 @@ inline uint32_t DriverResult(int index)
 
 // A profile that installs `library` (a file of bin\sim) as ControlLib.dll and makes each
 // forwarded entry point answer its own code before it looks at any argument.
-inline std::string Profile(const std::string& library)
+inline LumavenSim::Profile::Machine Profile(const std::string& library)
 {
-    std::string faults;
+    LumavenSim::Profile::Machine machine{.libraries = {{"ControlLib.dll", library}},
+                                         .intel = LumavenSim::Profile::Intel{}};
     int index = 0;
     for (const std::string& name : ForwardedNames()) {
-        faults += (index > 0 ? "," : "") + std::string("{\"function\":\"") + name +
-                  "\",\"code\":" + std::to_string(DriverResult(index)) + "}";
+        machine.faults.push_back({.function = name, .code = DriverResult(index)});
         ++index;
     }
-    return "{\"libraries\":{\"ControlLib.dll\":\"" + library + "\"},\"intel\":{\"adapters\":[]},\"faults\":[" + faults +
-           "]}";
+    return machine;
 }
 
 // An argument value of type T that belongs to this entry point and parameter alone.

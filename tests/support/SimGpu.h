@@ -9,15 +9,14 @@
 
 namespace LumavenTest {
 
-inline std::string GpuProfile(const std::string& gpuName, const std::string& extraMembers = "")
+inline Profile::Machine GpuProfile(const std::string& gpuName, std::vector<Profile::Fault> faults = {})
 {
-    return "{\"gpuName\":\"" + gpuName + "\",\"libraries\":{\"dxgi.dll\":\"dxgi.dll\"}" +
-           (extraMembers.empty() ? "" : "," + extraMembers) + "}";
+    return {.gpuName = gpuName, .libraries = {{"dxgi.dll", "dxgi.dll"}}, .faults = std::move(faults)};
 }
 
-inline void InstallGpu(const std::string& gpuName, const std::string& extraMembers = "")
+inline void InstallGpu(const std::string& gpuName, std::vector<Profile::Fault> faults = {})
 {
-    InstallProfile(GpuProfile(gpuName, extraMembers));
+    InstallProfile(GpuProfile(gpuName, std::move(faults)));
 }
 
 // The descriptions the fake dxgi.dll handed out since the profile was installed, in order.

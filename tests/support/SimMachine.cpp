@@ -17,10 +17,11 @@ std::wstring ExecutableDirectory()
     return directory.substr(0, directory.find_last_of(L"\\/"));
 }
 
-void InstallProfile(const std::string& profileJson)
+void InstallProfile(const Profile::Machine& machine)
 {
-    const LumavenSim::InstallResult result = LumavenSim::InstallProfile(profileJson, ExecutableDirectory() + L"\\sim");
-    ASSERT_TRUE(result.ok) << "lumaven-sim install failed: " << result.error;
+    const std::string json = machine.Json();
+    const LumavenSim::InstallResult result = LumavenSim::InstallProfile(json, ExecutableDirectory() + L"\\sim");
+    ASSERT_TRUE(result.ok) << "lumaven-sim install failed: " << result.error << "\n" << json;
 }
 
 void InstallShippedProfile(const std::string& name)
@@ -31,16 +32,13 @@ void InstallShippedProfile(const std::string& name)
     ASSERT_TRUE(result.ok) << "lumaven-sim install " << name << " failed: " << result.error;
 }
 
-std::string MonitorsProfile(const std::vector<std::string>& monitors)
+Profile::Machine MonitorsProfile(const std::vector<LumavenSim::PanelIdentity>& panels)
 {
-    std::string profile = "{\"monitors\":[";
-    for (size_t i = 0; i < monitors.size(); ++i) {
-        if (i > 0) {
-            profile += ",";
-        }
-        profile += monitors[i].rfind("{", 0) == 0 ? monitors[i] : "{\"panel\":\"" + monitors[i] + "\"}";
+    Profile::Machine machine;
+    for (const LumavenSim::PanelIdentity& panel : panels) {
+        machine.monitors.push_back({.panel = panel});
     }
-    return profile + "]}";
+    return machine;
 }
 
 std::vector<std::string> CallsAfterDetach()

@@ -1,7 +1,10 @@
 // Puts the simulated laptop a test needs into the Wine prefix.
 #pragma once
 
-// Tests that install a machine read back what its drivers saw through the one reader.
+// A test describes its machine with the typed profile and the named panels, and reads back
+// what the machine's drivers saw through the one reader of their log.
+#include "MachineProfile.h"
+#include "Panels.h"
 #include "TransactionLog.h"
 
 #include <string>
@@ -9,13 +12,15 @@
 
 namespace LumavenTest {
 
-// Installs a profile given as JSON text; fails the current test when the installer refuses.
-void InstallProfile(const std::string& profileJson);
+namespace Profile = LumavenSim::Profile;
+namespace Panels = LumavenSim::Panels;
+
+// Installs the machine; fails the current test when the installer refuses.
+void InstallProfile(const Profile::Machine& machine);
 // Installs one of the shipped profiles (bin\profiles\NAME.json).
 void InstallShippedProfile(const std::string& name);
-// A profile with just these monitors (each "panel" hex of EDID bytes 8..11, or a full
-// monitor object as JSON text when it starts with '{').
-std::string MonitorsProfile(const std::vector<std::string>& monitors);
+// A machine with just monitors fitted with these panels.
+Profile::Machine MonitorsProfile(const std::vector<LumavenSim::PanelIdentity>& panels);
 
 // The directory of the running test executable (bin).
 std::wstring ExecutableDirectory();

@@ -21,35 +21,33 @@ using LumavenTest::LogCapture;
 
 namespace {
 
-constexpr PanelId kPanel416C = 0x416C834C;
-constexpr PanelId kPanel4160 = 0x4160834C;
+namespace Profile = LumavenSim::Profile;
+namespace Panels = LumavenSim::Panels;
+
+constexpr PanelId kPanel416C = Panels::kSdc416C.id;
+constexpr PanelId kPanel4160 = Panels::kSdc4160.id;
+using Libraries = std::map<std::string, std::string>;
 
 // A display entry of the "amd" profile section.
-std::string Display(int infoValue, int logicalAdapterIndex, const std::string& panel = "4C836C41")
+Profile::AmdDisplay Display(int infoValue, int logicalAdapterIndex, LumavenSim::PanelIdentity panel = Panels::kSdc416C)
 {
-    return R"({"infoValue":)" + std::to_string(infoValue) + R"(,"logicalAdapterIndex":)" +
-           std::to_string(logicalAdapterIndex) + R"(,"panel":")" + panel + R"("})";
+    return {.infoValue = infoValue, .logicalAdapterIndex = logicalAdapterIndex, .panel = panel};
 }
 
-std::string Adapter(int adapterIndex, const std::vector<std::string>& displays)
+Profile::AmdAdapter Adapter(int adapterIndex, std::vector<Profile::AmdDisplay> displays)
 {
-    std::string list;
-    for (const std::string& display : displays) {
-        list += (list.empty() ? "" : ",") + display;
-    }
-    return R"({"adapterIndex":)" + std::to_string(adapterIndex) + R"(,"displays":[)" + list + "]}";
+    return {.adapterIndex = adapterIndex, .displays = std::move(displays)};
 }
 
-// A laptop with these adapters, the given ADL library files and extra top-level members.
-std::string Laptop(const std::vector<std::string>& adapters,
-                   const std::string& libraries = R"({"atiadlxx.dll":"atiadlxx.dll"})", const std::string& extra = "")
+// A laptop with these adapters, the given ADL library files and faults.
+Profile::Machine Laptop(std::vector<Profile::AmdAdapter> adapters,
+                        Libraries libraries = {{"atiadlxx.dll", "atiadlxx.dll"}},
+                        std::vector<Profile::Fault> faults = {})
 {
-    std::string list;
-    for (const std::string& adapter : adapters) {
-        list += (list.empty() ? "" : ",") + adapter;
-    }
-    return R"({"monitors":[{"panel":"4C836C41"}],"amd":{"adapters":[)" + list + R"(]},"libraries":)" + libraries +
-           extra + "}";
+    return {.monitors = {{.panel = Panels::kSdc416C}},
+            .libraries = std::move(libraries),
+            .amd = Profile::Amd{.adapters = std::move(adapters)},
+            .faults = std::move(faults)};
 }
 
 std::vector<AuxWrite> OnSequence(PanelId panel)
@@ -106,7 +104,7 @@ int64_t Register(const rapidjson::Document& state, size_t adapter, size_t displa
 
 TEST_F(AdlAuxChannel, NeitherLibraryPresentLogsLibraryNotFound)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, "{}"));
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {}));
     m_capture.Clear();
     EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_EQ(Logged(), std::vector<std::wstring>{L"ADL library not found!"});
@@ -143,7 +141,7 @@ TEST_F(AdlAuxChannel, WritesThePanelSequenceThroughAdapter0Display0)
     EXPECT_EQ(Number(displayInfo[0], "forceDetect"), 0);
     const auto edid = RecordsOf("ADL2_Display_EdidData_Get");
     EXPECT_EQ(Number(edid[0], "size"), 288);
-    EXPECT_EQ(Text(edid[0], "panel"), "4C836C41");
+    EXPECT_EQ(Text(edid[0], "panel"), Panels::kSdc416C.EdidHex());
 
     const auto aux = RecordsOf("ADL2_Display_NativeAUXChannel_Access");
     ASSERT_EQ(aux.size(), writes.size());
@@ -163,7 +161,7 @@ TEST_F(AdlAuxChannel, WritesThePanelSequenceThroughAdapter0Display0)
 
 TEST_F(AdlAuxChannel, ThreeByteWritesAreOneTransactionEach)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0, "4C836041")})}));
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0, Panels::kSdc4160)})}));
     const std::vector<AuxWrite> writes = BuildAuxDataMap().at(AuxDataKey{kPanel4160, false});
     EXPECT_TRUE(WriteAuxDataAmd(kPanel4160, writes));
     const auto aux = RecordsOf("ADL2_Display_NativeAUXChannel_Access");
@@ -182,7 +180,7 @@ TEST_F(AdlAuxChannel, ThreeByteWritesAreOneTransactionEach)
 
 TEST_F(AdlAuxChannel, FallsBackToAtiadlxy)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, R"({"atiadlxy.dll":"atiadlxx.dll"})"));
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxy.dll", "atiadlxx.dll"}}));
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     const auto records = LumavenSim::TransactionLog::Read().Records();
     ASSERT_FALSE(records.empty());
@@ -195,7 +193,7 @@ TEST_F(AdlAuxChannel, FallsBackToAtiadlxy)
 TEST_F(AdlAuxChannel, PrefersAtiadlxxWhenBothArePresent)
 {
     InstallProfile(Laptop({Adapter(0, {Display(3, 0)})},
-                          R"({"atiadlxx.dll":"atiadlxx.dll","atiadlxy.dll":"atiadlxx_noaux.dll"})"));
+                          {{"atiadlxx.dll", "atiadlxx.dll"}, {"atiadlxy.dll", "atiadlxx_noaux.dll"}}));
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     for (const auto& record : LumavenSim::TransactionLog::Read().Records()) {
         EXPECT_EQ(Text(record, "lib"), "atiadlxx.dll") << record.Call();
@@ -204,7 +202,7 @@ TEST_F(AdlAuxChannel, PrefersAtiadlxxWhenBothArePresent)
 
 TEST_F(AdlAuxChannel, MissingAuxEntryPointHasItsOwnMessageAndWritesNothing)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, R"({"atiadlxx.dll":"atiadlxx_noaux.dll"})"));
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx_noaux.dll"}}));
     m_capture.Clear();
     EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_EQ(Logged(), std::vector<std::wstring>{L"ADL2_Display_NativeAUXChannel_Access API is missing!"});
@@ -224,7 +222,7 @@ TEST_F(AdlAuxChannel, EachMissingRequiredEntryPointLogsApiMissing)
     for (const char* library : {"atiadlxx_nocreate.dll", "atiadlxx_nocount.dll", "atiadlxx_noadapterinfo.dll",
                                 "atiadlxx_nodisplayinfo.dll", "atiadlxx_nodestroy.dll"}) {
         SCOPED_TRACE(library);
-        InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, std::string(R"({"atiadlxx.dll":")") + library + R"("})"));
+        InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", library}}));
         m_capture.Clear();
         EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
         EXPECT_EQ(Logged(), std::vector<std::wstring>{L"ADL2's API is missing!"});
@@ -236,8 +234,8 @@ TEST_F(AdlAuxChannel, EachMissingRequiredEntryPointLogsApiMissing)
 
 TEST_F(AdlAuxChannel, FailedCreateLogsInitializationError)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, R"({"atiadlxx.dll":"atiadlxx.dll"})",
-                          R"(,"faults":[{"function":"ADL2_Main_Control_Create","code":-1}])"));
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx.dll"}},
+                          {{.function = "ADL2_Main_Control_Create", .code = -1}}));
     m_capture.Clear();
     EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_EQ(Logged(), std::vector<std::wstring>{L"ADL Initialization Error!"});
@@ -246,8 +244,8 @@ TEST_F(AdlAuxChannel, FailedCreateLogsInitializationError)
 
 TEST_F(AdlAuxChannel, FailedAdapterCountLeavesTheContextForTheRelease)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, R"({"atiadlxx.dll":"atiadlxx.dll"})",
-                          R"(,"faults":[{"function":"ADL2_Adapter_NumberOfAdapters_Get","code":-2}])"));
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx.dll"}},
+                          {{.function = "ADL2_Adapter_NumberOfAdapters_Get", .code = -2}}));
     m_capture.Clear();
     EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_EQ(Logged(), std::vector<std::wstring>{L"Cannot get the number of adapters!"});
@@ -344,7 +342,8 @@ TEST_F(AdlAuxChannel, EdidIsAskedForByLoopPositionsNotByAdlIndices)
     // call gets: it gets positions 0 and 0. The AUX writes still go to adapter 0, display
     // 0, which this machine does not have.
     InstallProfile(Laptop(
-        {R"({"adapterIndex":5,"displays":[{"infoValue":3,"logicalAdapterIndex":5,"displayIndex":7,"panel":"4C836C41"}]})"}));
+        {{.adapterIndex = 5,
+          .displays = {{.infoValue = 3, .logicalAdapterIndex = 5, .displayIndex = 7, .panel = Panels::kSdc416C}}}}));
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_EQ(Number(RecordsOf("ADL2_Display_DisplayInfo_Get")[0], "adapter"), 5);
     const auto edid = RecordsOf("ADL2_Display_EdidData_Get");
@@ -362,8 +361,8 @@ TEST_F(AdlAuxChannel, EdidIsAskedForByLoopPositionsNotByAdlIndices)
 
 TEST_F(AdlAuxChannel, MissingEdidEntryPointIsLoggedPerConsideredDisplay)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0), Display(1, 0), Display(2, 0)})},
-                          R"({"atiadlxx.dll":"atiadlxx_noedid.dll"})"));
+    InstallProfile(
+        Laptop({Adapter(0, {Display(3, 0), Display(1, 0), Display(2, 0)})}, {{"atiadlxx.dll", "atiadlxx_noedid.dll"}}));
     m_capture.Clear();
     EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_EQ(Logged(), (std::vector<std::wstring>{L"nAdapter count=1", L"display count=3", L"EDID API is NULL",
@@ -376,7 +375,7 @@ TEST_F(AdlAuxChannel, MissingEdidEntryPointIsLoggedPerConsideredDisplay)
 
 TEST_F(AdlAuxChannel, AnotherPanelIsNotWritten)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0, "4C837441")})}));
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0, Panels::kSdc4174)})}));
     EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_EQ(RecordsOf("ADL2_Display_EdidData_Get").size(), 1u);
     EXPECT_TRUE(RecordsOf("ADL2_Display_NativeAUXChannel_Access").empty());
@@ -384,8 +383,8 @@ TEST_F(AdlAuxChannel, AnotherPanelIsNotWritten)
 
 TEST_F(AdlAuxChannel, UnreadableEdidCountsAsIdentity0)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, R"({"atiadlxx.dll":"atiadlxx.dll"})",
-                          R"(,"faults":[{"function":"ADL2_Display_EdidData_Get","code":-1}])"));
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx.dll"}},
+                          {{.function = "ADL2_Display_EdidData_Get", .code = -1}}));
     EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_TRUE(RecordsOf("ADL2_Display_NativeAUXChannel_Access").empty());
     // The identity read from an unreadable EDID is 0, so it matches a wanted identity of 0
@@ -399,8 +398,8 @@ TEST_F(AdlAuxChannel, UnreadableEdidCountsAsIdentity0)
 TEST_F(AdlAuxChannel, AdapterWhoseDisplaysCannotBeListedIsSkipped)
 {
     InstallProfile(Laptop({Adapter(0, {Display(3, 0)}), Adapter(1, {Display(3, 1)})},
-                          R"({"atiadlxx.dll":"atiadlxx.dll"})",
-                          R"(,"faults":[{"function":"ADL2_Display_DisplayInfo_Get","code":-1,"nth":1}])"));
+                          {{"atiadlxx.dll", "atiadlxx.dll"}},
+                          {{.function = "ADL2_Display_DisplayInfo_Get", .code = -1, .nth = 1}}));
     m_capture.Clear();
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_EQ(Logged(), (std::vector<std::wstring>{L"nAdapter count=2", L"display count=1", L"Write AUX data"}));
@@ -411,8 +410,8 @@ TEST_F(AdlAuxChannel, AdapterWhoseDisplaysCannotBeListedIsSkipped)
 
 TEST_F(AdlAuxChannel, RejectedAuxWritesAreNotNoticed)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, R"({"atiadlxx.dll":"atiadlxx.dll"})",
-                          R"(,"faults":[{"function":"ADL2_Display_NativeAUXChannel_Access","code":-1,"nth":2}])"));
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx.dll"}},
+                          {{.function = "ADL2_Display_NativeAUXChannel_Access", .code = -1, .nth = 2}}));
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     const auto aux = RecordsOf("ADL2_Display_NativeAUXChannel_Access");
     ASSERT_EQ(aux.size(), 5u) << "every write is sent although the second failed";
@@ -424,7 +423,7 @@ TEST_F(AdlAuxChannel, RejectedAuxWritesAreNotNoticed)
 
 TEST_F(AdlAuxChannel, EveryCallStartsFromAFreshLoad)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, R"({"atiadlxx.dll":"atiadlxx_noaux.dll"})"));
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx_noaux.dll"}}));
     EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_EQ(StateNumber("amd", "loads"), 1);
     EXPECT_EQ(StateNumber("amd", "unloads"), 0);
@@ -453,8 +452,8 @@ TEST_F(AdlAuxChannel, SuccessiveWritesLoadAndUnloadEachTime)
 
 TEST_F(AdlAuxChannel, ServiceDestructorReleasesWhatAFailedWriteLeftLoaded)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, R"({"atiadlxx.dll":"atiadlxx.dll"})",
-                          R"(,"faults":[{"function":"ADL2_Adapter_NumberOfAdapters_Get","code":-1}])"));
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx.dll"}},
+                          {{.function = "ADL2_Adapter_NumberOfAdapters_Get", .code = -1}}));
     {
         LumavenService service;
         EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));

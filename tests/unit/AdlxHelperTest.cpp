@@ -20,13 +20,21 @@ using LumavenTest::InstallProfile;
 
 namespace {
 
-// A laptop whose ADLX displays have these VariBright settings (JSON objects).
-std::string Laptop(const std::string& displays = R"({"varibrightSupported":true,"varibrightEnabled":false})",
-                   const std::string& adlxFile = "amdadlx64.dll", const std::string& extra = "")
+namespace Profile = LumavenSim::Profile;
+
+// A laptop whose ADLX displays have these VariBright settings, with this ADLX library (none
+// when empty) and these faults.
+Profile::Machine Laptop(std::vector<Profile::AdlxDisplay> displays = {{.varibrightSupported = true,
+                                                                       .varibrightEnabled = false}},
+                        const std::string& adlxFile = "amdadlx64.dll", std::vector<Profile::Fault> faults = {})
 {
-    std::string libraries = adlxFile.empty() ? "{}" : R"({"amdadlx64.dll":")" + adlxFile + R"("})";
-    return R"({"monitors":[{"panel":"4C836C41"}],"adlx":{"displays":[)" + displays + R"(]},"libraries":)" + libraries +
-           extra + "}";
+    Profile::Machine machine{.monitors = {{.panel = LumavenSim::Panels::kSdc416C}},
+                             .adlx = Profile::Adlx{.displays = std::move(displays)},
+                             .faults = std::move(faults)};
+    if (!adlxFile.empty()) {
+        machine.libraries["amdadlx64.dll"] = adlxFile;
+    }
+    return machine;
 }
 
 bool DisplayFlag(size_t display, const char* name)
@@ -57,7 +65,7 @@ protected:
 
 TEST_F(AdlxHelper, MissingLibraryFailsWith3AndChangesNothing)
 {
-    InstallProfile(Laptop(R"({"varibrightSupported":true})", ""));
+    InstallProfile(Laptop({{.varibrightSupported = true}}, ""));
     adlx::IADLXDisplayServices* const servicesBefore = adlxDisplayServices.get();
     adlx::IADLXDisplay* const displayBefore = adlxDisplay.get();
     EXPECT_EQ(g_ADLXHelp.Initialize(), ADLX_FAIL);
@@ -80,7 +88,7 @@ TEST_F(AdlxHelper, MissingLibraryAfterASuccessfulInitialisationChangesNothing)
     adlx::IADLXDisplay* const displayBefore = adlxDisplay.get();
     ASSERT_EQ(g_ADLXHelp.Terminate(), ADLX_OK);
 
-    InstallProfile(Laptop(R"({"varibrightSupported":true})", ""));
+    InstallProfile(Laptop({{.varibrightSupported = true}}, ""));
     InitializeAdlxDisplay();
     EXPECT_EQ(adlxDisplayServices.get(), servicesBefore);
     EXPECT_EQ(adlxDisplay.get(), displayBefore);
@@ -91,7 +99,7 @@ TEST_F(AdlxHelper, MissingLibraryAfterASuccessfulInitialisationChangesNothing)
 
 TEST_F(AdlxHelper, LibraryWithoutInitializeWithIncompatibleDriverFailsWith3)
 {
-    InstallProfile(Laptop(R"({"varibrightSupported":true})", "amdadlx64_noincompat.dll"));
+    InstallProfile(Laptop({{.varibrightSupported = true}}, "amdadlx64_noincompat.dll"));
     EXPECT_EQ(g_ADLXHelp.Initialize(), ADLX_FAIL);
     EXPECT_TRUE(Calls().empty()) << "not even the version is asked for";
     EXPECT_EQ(g_ADLXHelp.GetSystemServices(), nullptr);
@@ -148,8 +156,8 @@ TEST_F(AdlxHelper, TerminateClearsEverythingAndUnloads)
 
 TEST_F(AdlxHelper, TerminateAnswersWhatADLXTerminateAnswers)
 {
-    InstallProfile(Laptop(R"({"varibrightSupported":true})", "amdadlx64.dll",
-                          R"(,"faults":[{"function":"ADLXTerminate","code":3}])"));
+    InstallProfile(
+        Laptop({{.varibrightSupported = true}}, "amdadlx64.dll", {{.function = "ADLXTerminate", .code = 3}}));
     ASSERT_EQ(g_ADLXHelp.Initialize(), ADLX_OK);
     EXPECT_EQ(g_ADLXHelp.Terminate(), ADLX_FAIL);
     EXPECT_FALSE(g_ADLXHelp.IsLoaded()) << "unloaded all the same";
@@ -168,7 +176,7 @@ TEST_F(AdlxHelper, HelperDestructorTerminates)
 
 TEST_F(AdlxHelper, InitializeAdlxDisplayTakesTheServicesAndTheFirstDisplay)
 {
-    InstallProfile(Laptop(R"({"varibrightSupported":true},{"varibrightSupported":false})"));
+    InstallProfile(Laptop({{.varibrightSupported = true}, {.varibrightSupported = false}}));
     InitializeAdlxDisplay();
     ASSERT_NE(adlxDisplayServices, nullptr);
     ASSERT_NE(adlxDisplay, nullptr);
@@ -219,8 +227,8 @@ TEST_F(AdlxHelper, SecondInitializeAdlxDisplayReleasesAndReplacesBoth)
 
 TEST_F(AdlxHelper, FailingDisplayServicesTerminateAndTheNextCallLoadsAgain)
 {
-    InstallProfile(Laptop(R"({"varibrightSupported":true})", "amdadlx64.dll",
-                          R"(,"faults":[{"function":"GetDisplaysServices","code":3,"nth":2}])"));
+    InstallProfile(Laptop({{.varibrightSupported = true}}, "amdadlx64.dll",
+                          {{.function = "GetDisplaysServices", .code = 3, .nth = 2}}));
     InitializeAdlxDisplay();
     ASSERT_NE(adlxDisplayServices, nullptr);
     adlx::IADLXDisplay* const firstDisplay = adlxDisplay.get();
@@ -255,8 +263,8 @@ TEST_F(AdlxHelper, FailingDisplayServicesTerminateAndTheNextCallLoadsAgain)
 
 TEST_F(AdlxHelper, DisplayServicesAlwaysFailingLeaveADLXUnloaded)
 {
-    InstallProfile(Laptop(R"({"varibrightSupported":true})", "amdadlx64.dll",
-                          R"(,"faults":[{"function":"GetDisplaysServices","code":12}])"));
+    InstallProfile(
+        Laptop({{.varibrightSupported = true}}, "amdadlx64.dll", {{.function = "GetDisplaysServices", .code = 12}}));
     InitializeAdlxDisplay();
     InitializeAdlxDisplay();
     EXPECT_EQ(adlxDisplayServices, nullptr);
@@ -268,8 +276,8 @@ TEST_F(AdlxHelper, DisplayServicesAlwaysFailingLeaveADLXUnloaded)
 
 TEST_F(AdlxHelper, FailedDisplayListKeepsThePreviousDisplay)
 {
-    InstallProfile(Laptop(R"({"varibrightSupported":true})", "amdadlx64.dll",
-                          R"(,"faults":[{"function":"GetDisplays","code":3,"nth":2}])"));
+    InstallProfile(
+        Laptop({{.varibrightSupported = true}}, "amdadlx64.dll", {{.function = "GetDisplays", .code = 3, .nth = 2}}));
     InitializeAdlxDisplay();
     adlx::IADLXDisplay* const firstDisplay = adlxDisplay.get();
     InitializeAdlxDisplay();
@@ -305,7 +313,7 @@ TEST_F(AdlxHelper, NullDisplayServicesCountAsFailureEvenWithADLXInitialized)
 
 TEST_F(AdlxHelper, IsVaribrightSupportedAsksTheFirstDisplay)
 {
-    InstallProfile(Laptop(R"({"varibrightSupported":true},{"varibrightSupported":false})"));
+    InstallProfile(Laptop({{.varibrightSupported = true}, {.varibrightSupported = false}}));
     InitializeAdlxDisplay();
     LumavenSim::ClearTransactions();
     EXPECT_TRUE(IsVaribrightSupported());
@@ -316,16 +324,16 @@ TEST_F(AdlxHelper, IsVaribrightSupportedAsksTheFirstDisplay)
 
 TEST_F(AdlxHelper, UnsupportedVaribrightAnswersFalse)
 {
-    InstallProfile(Laptop(R"({"varibrightSupported":false},{"varibrightSupported":true})"));
+    InstallProfile(Laptop({{.varibrightSupported = false}, {.varibrightSupported = true}}));
     InitializeAdlxDisplay();
     EXPECT_FALSE(IsVaribrightSupported());
 }
 
 TEST_F(AdlxHelper, FailedIsSupportedOrGetVariBrightAnswersFalse)
 {
-    InstallProfile(Laptop(R"({"varibrightSupported":true})", "amdadlx64.dll",
-                          R"(,"faults":[{"function":"IsSupported","code":3,"nth":1},)"
-                          R"({"function":"GetVariBright","code":12,"nth":2}])"));
+    InstallProfile(Laptop(
+        {{.varibrightSupported = true}}, "amdadlx64.dll",
+        {{.function = "IsSupported", .code = 3, .nth = 1}, {.function = "GetVariBright", .code = 12, .nth = 2}}));
     InitializeAdlxDisplay();
     EXPECT_FALSE(IsVaribrightSupported()) << "IsSupported failed and set nothing";
     EXPECT_FALSE(IsVaribrightSupported()) << "GetVariBright failed";
@@ -334,7 +342,7 @@ TEST_F(AdlxHelper, FailedIsSupportedOrGetVariBrightAnswersFalse)
 
 TEST_F(AdlxHelper, DisplayListWithoutDisplaysLeavesNoDisplay)
 {
-    InstallProfile(Laptop(""));
+    InstallProfile(Laptop({}));
     InitializeAdlxDisplay();
     EXPECT_NE(adlxDisplayServices, nullptr);
     EXPECT_EQ(adlxDisplay.get(), nullptr);
@@ -345,7 +353,7 @@ TEST_F(AdlxHelper, DisplayListWithoutDisplaysLeavesNoDisplay)
 
 TEST_F(AdlxHelper, SetVaribrightEnabledSwitchesTheFirstDisplay)
 {
-    InstallProfile(Laptop(R"({"varibrightSupported":true,"varibrightEnabled":false},{"varibrightSupported":true})"));
+    InstallProfile(Laptop({{.varibrightSupported = true, .varibrightEnabled = false}, {.varibrightSupported = true}}));
     InitializeAdlxDisplay();
     LumavenSim::ClearTransactions();
     EXPECT_TRUE(SetVaribrightEnabled(true));
@@ -360,7 +368,7 @@ TEST_F(AdlxHelper, SetVaribrightEnabledSwitchesTheFirstDisplay)
 
 TEST_F(AdlxHelper, SetVaribrightEnabledOnAnUnsupportedDisplayIsRefused)
 {
-    InstallProfile(Laptop(R"({"varibrightSupported":false,"varibrightEnabled":false})"));
+    InstallProfile(Laptop({{.varibrightSupported = false, .varibrightEnabled = false}}));
     InitializeAdlxDisplay();
     EXPECT_FALSE(SetVaribrightEnabled(true));
     EXPECT_EQ(Number(RecordsOf("SetEnabled")[0], "result"), ADLX_NOT_SUPPORTED);
@@ -369,7 +377,7 @@ TEST_F(AdlxHelper, SetVaribrightEnabledOnAnUnsupportedDisplayIsRefused)
 
 TEST_F(AdlxHelper, GetVariBrightGivesAnInterfaceForEnableAndMaximizeBattery)
 {
-    InstallProfile(Laptop(R"({"varibrightSupported":true,"varibrightEnabled":false,"varibrightMode":"balanced"})"));
+    InstallProfile(Laptop({{.varibrightSupported = true, .varibrightEnabled = false, .varibrightMode = "balanced"}}));
     InitializeAdlxDisplay();
     LumavenSim::ClearTransactions();
     adlx::IADLXDisplayVariBright* varibright = nullptr;

@@ -52,7 +52,7 @@ TEST_F(ControlLibClient, InitLoadsControlLibFromSystem32AndCloseUnloadsIt)
 
 TEST_F(ControlLibClient, InitOnALoadedLibraryForwardsWithoutLoadingAgain)
 {
-    InstallIntel("ControlLib.dll", R"({"adapters":[]})", R"([{"function":"ctlInit","code":1073741835,"nth":2}])");
+    InstallIntel("ControlLib.dll", {}, {{.function = "ctlInit", .code = 1073741835, .nth = 2}});
     ctl_api_handle_t api = nullptr;
     ASSERT_EQ(Init(&api), CTL_RESULT_SUCCESS);
     const HMODULE first = controlLibModule;
@@ -65,7 +65,7 @@ TEST_F(ControlLibClient, InitOnALoadedLibraryForwardsWithoutLoadingAgain)
 
 TEST_F(ControlLibClient, FailingLibraryInitStillLeavesTheLibraryLoaded)
 {
-    InstallIntel("ControlLib.dll", R"({"adapters":[]})", R"([{"function":"ctlInit","code":1073741835}])");
+    InstallIntel("ControlLib.dll", {}, {{.function = "ctlInit", .code = 1073741835}});
     ctl_api_handle_t api = nullptr;
     EXPECT_EQ(Init(&api), CTL_RESULT_ERROR_INVALID_ARGUMENT);
     EXPECT_NE(controlLibModule, nullptr);
@@ -176,8 +176,7 @@ TEST_F(ControlLibClient, SetRuntimePathWithoutAPathBeforeLoadingRemembersNothing
 
 TEST_F(ControlLibClient, SetRuntimePathOnALoadedLibraryForwardsItsAnswer)
 {
-    InstallIntel("ControlLib.dll", R"({"adapters":[]})",
-                 R"([{"function":"ctlSetRuntimePath","code":1073741846,"nth":2}])");
+    InstallIntel("ControlLib.dll", {}, {{.function = "ctlSetRuntimePath", .code = 1073741846, .nth = 2}});
     ctl_api_handle_t api = nullptr;
     ASSERT_EQ(Init(&api), CTL_RESULT_SUCCESS);
     wchar_t path[] = L"C:\\elsewhere\\ControlLib.dll";
@@ -205,7 +204,7 @@ TEST_F(ControlLibClient, SetRuntimePathOnALoadedLibraryWithoutTheSymbolAnswersNo
 
 TEST_F(ControlLibClient, FailedCloseKeepsTheLibraryLoadedButForgetsTheRuntimePath)
 {
-    InstallIntel("ControlLib.dll", R"({"adapters":[]})", R"([{"function":"ctlClose","code":1073741835,"nth":1}])");
+    InstallIntel("ControlLib.dll", {}, {{.function = "ctlClose", .code = 1073741835, .nth = 1}});
     std::wstring path = System32Dll(L"ControlLib.dll");
     ctl_runtime_path_args_t runtime = RuntimePathArgs(path.data());
     ASSERT_EQ(ctlSetRuntimePath(&runtime), CTL_RESULT_SUCCESS);

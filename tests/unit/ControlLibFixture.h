@@ -28,12 +28,14 @@ protected:
 
     // A machine whose system32 holds `library` (a file of bin\sim) as ControlLib.dll, or no
     // ControlLib.dll when it is empty.
-    static void InstallIntel(const std::string& library, const std::string& intel = R"({"adapters":[]})",
-                             const std::string& faults = "[]")
+    static void InstallIntel(const std::string& library, Profile::Intel intel = {},
+                             std::vector<Profile::Fault> faults = {}, std::vector<Profile::Count> counts = {})
     {
-        const std::string libraries = library.empty() ? "{}" : R"({"ControlLib.dll":")" + library + R"("})";
-        LumavenTest::InstallProfile(R"({"libraries":)" + libraries + R"(,"intel":)" + intel + R"(,"faults":)" + faults +
-                                    "}");
+        Profile::Machine machine{.intel = std::move(intel), .faults = std::move(faults), .counts = std::move(counts)};
+        if (!library.empty()) {
+            machine.libraries["ControlLib.dll"] = library;
+        }
+        LumavenTest::InstallProfile(machine);
     }
 
     static ctl_init_args_t InitArgs(ctl_version_info_t appVersion)

@@ -113,7 +113,7 @@ TEST(ExecuteCommand, MalformedRequestsGiveInvalidRequestAndNoText)
 
 TEST(ExecuteCommand, AnyOneJsonValueIsAValidRequest)
 {
-    LumavenTest::InstallProfile(LumavenTest::MonitorsProfile({"4C837441"}));
+    LumavenTest::InstallProfile(LumavenTest::MonitorsProfile({LumavenTest::Panels::kSdc4174}));
     LumavenService service;
     for (const wchar_t* request : {L"[]", L"  {}  ", L"\n[1,2,{\"a\":null}]\t", L"\"text\"", L"42", L"null"}) {
         const auto result = RunCommand(service, 4, request);
@@ -165,7 +165,7 @@ TEST(ExecuteCommand, EachCommandTakesTheLockOfItsTableRow)
 {
     // A service never started: vendor 0, and no driver library on the machine, so that every
     // command answers at once unless a lock holds it.
-    LumavenTest::InstallProfile(LumavenTest::MonitorsProfile({"4C837441"}));
+    LumavenTest::InstallProfile(LumavenTest::MonitorsProfile({LumavenTest::Panels::kSdc4174}));
     LumavenService service;
     const std::set<uint32_t> mainLock = {1, 2, 3, 5, 6, 8, 10};
     for (uint32_t command = 1; command <= 12; ++command) {

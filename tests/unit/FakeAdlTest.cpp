@@ -32,9 +32,12 @@ void* __stdcall Allocate(int size)
 }
 
 // Two adapters (ADL indices 0 and 9); adapter 0 has the panel as its mapped display 0.
-constexpr char kLaptop[] = R"({"monitors":[{"panel":"4C836C41"}],"libraries":{"atiadlxx.dll":"atiadlxx.dll"},)"
-                           R"("amd":{"adapters":[{"adapterIndex":0,"displays":[{"infoValue":3,"panel":"4C836C41"}]},)"
-                           R"({"adapterIndex":9,"displays":[]}]}})";
+const LumavenSim::Profile::Machine kLaptop{
+    .monitors = {{.panel = LumavenSim::Panels::kSdc416C}},
+    .libraries = {{"atiadlxx.dll", "atiadlxx.dll"}},
+    .amd = LumavenSim::Profile::Amd{
+        .adapters = {{.adapterIndex = 0, .displays = {{.infoValue = 3, .panel = LumavenSim::Panels::kSdc416C}}},
+                     {.adapterIndex = 9, .displays = {}}}}};
 
 class FakeAdl : public testing::Test {
 protected:
@@ -198,13 +201,9 @@ TEST_F(FakeAdl, AdapterBufferIsCheckedAgainstTheCountReportedNotTheAdaptersKnown
 // than the machine has; the list ADL allocates always holds every display it reports.
 TEST_F(FakeAdl, CountsOfTheProfileAnswerTheAdapterCountAndTheDisplayList)
 {
-    LumavenSim::WithState([](rapidjson::Document& state) {
-        rapidjson::Document counts;
-        counts.Parse(R"([{"function":"ADL2_Adapter_NumberOfAdapters_Get","call":"count","answer":2147483647},
-                         {"function":"ADL2_Display_DisplayInfo_Get","call":"count","answer":3}])");
-        state.AddMember("counts", rapidjson::Value(counts, state.GetAllocator()), state.GetAllocator());
-        return true;
-    });
+    LumavenSim::Profile::Arm({},
+                             {{.function = "ADL2_Adapter_NumberOfAdapters_Get", .call = "count", .answer = 2147483647},
+                              {.function = "ADL2_Display_DisplayInfo_Get", .call = "count", .answer = 3}});
     int number = 0;
     ASSERT_EQ(count(m_context, &number), ADL_OK);
     EXPECT_EQ(number, 2147483647);

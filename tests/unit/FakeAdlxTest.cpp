@@ -24,11 +24,12 @@ namespace {
 // ADLX 1.2 passes.
 constexpr adlx_uint64 kHeaderVersion = 0x0001000200000048ULL;
 
-std::string Laptop(bool varibrightSupported)
+LumavenSim::Profile::Machine Laptop(bool varibrightSupported)
 {
-    return std::string(R"({"monitors":[{"panel":"4C836C41"}],"libraries":{"amdadlx64.dll":"amdadlx64.dll"},)") +
-           R"("adlx":{"displays":[{"varibrightSupported":)" + (varibrightSupported ? "true" : "false") +
-           R"(,"varibrightEnabled":false}]}})";
+    return {.monitors = {{.panel = LumavenSim::Panels::kSdc416C}},
+            .libraries = {{"amdadlx64.dll", "amdadlx64.dll"}},
+            .adlx = LumavenSim::Profile::Adlx{
+                .displays = {{.varibrightSupported = varibrightSupported, .varibrightEnabled = false}}}};
 }
 
 class FakeAdlx : public testing::Test {

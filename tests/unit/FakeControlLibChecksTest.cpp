@@ -314,11 +314,13 @@ TEST_F(FakeControlLibChecks, RefusalsAreLoggedWithTheirArgumentsAndNothingElseIs
 // Every Intel command of the service, on a panel with OPST: not one record is refused.
 TEST_F(FakeControlLibChecks, EveryRecordTheServiceSendsIsAccepted)
 {
-    LumavenTest::InstallProfile(
-        R"({"monitors":[{"panel":"4C837441"}],"gpuName":"Intel(R) Iris(R) Xe Graphics",)"
-        R"("libraries":{"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"},)"
-        R"("intel":{"adapters":[{"outputs":[{"attached":true,"dpstSupported":true,"opstSupported":true,)"
-        R"("dpstEnabled":0}]}]},"faults":[]})");
+    LumavenTest::InstallProfile(LumavenSim::Profile::Machine{
+        .monitors = {{.panel = LumavenSim::Panels::kSdc4174}},
+        .gpuName = "Intel(R) Iris(R) Xe Graphics",
+        .libraries = {{"dxgi.dll", "dxgi.dll"}, {"ControlLib.dll", "ControlLib.dll"}},
+        .intel = LumavenSim::Profile::Intel{
+            .adapters = {
+                {.outputs = {{.attached = true, .dpstSupported = true, .opstSupported = true, .dpstEnabled = 0}}}}}});
     auto service = std::make_unique<LumavenService>();
     service->startup_task();
     ASSERT_EQ(service->m_videoController, kVendorIntel);

@@ -18,18 +18,24 @@ namespace LumavenTest {
 
 // Adapter 0 has no outputs; adapter 1 has an attached panel with OPST and a detached output
 // whose panel lacks it.
-inline constexpr char kTwoAdapters[] = R"({"adapters":[
-    {"outputs":[]},
-    {"outputs":[
-        {"attached":true,"dpcd":{"404B":"7C84CC"},"dpstSupported":true,"opstSupported":true,"dpstEnabled":0},
-        {"attached":false,"dpstSupported":true,"opstSupported":false}]}]})";
+inline Profile::Intel TwoAdapters()
+{
+    return {.adapters = {{.outputs = {}},
+                         {.outputs = {{.attached = true,
+                                       .dpcd = {{"404B", "7C84CC"}},
+                                       .dpstSupported = true,
+                                       .opstSupported = true,
+                                       .dpstEnabled = 0},
+                                      {.attached = false, .dpstSupported = true, .opstSupported = false}}}}};
+}
 
 class FakeControlLib : public ControlLibTest {
 protected:
     // Installs the machine and opens a session on it.
-    void Open(const std::string& intel = kTwoAdapters, const std::string& faults = "[]")
+    void Open(Profile::Intel intel = TwoAdapters(), std::vector<Profile::Fault> faults = {},
+              std::vector<Profile::Count> counts = {})
     {
-        InstallIntel("ControlLib.dll", intel, faults);
+        InstallIntel("ControlLib.dll", std::move(intel), std::move(faults), std::move(counts));
         ASSERT_EQ(Init(&m_api), CTL_RESULT_SUCCESS);
         ASSERT_NE(m_api, nullptr);
     }

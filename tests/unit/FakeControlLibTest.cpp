@@ -16,7 +16,7 @@
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
 using LumavenTest::FakeControlLib;
-using LumavenTest::kTwoAdapters;
+using LumavenTest::TwoAdapters;
 namespace Intel = LumavenSim::Intel;
 
 TEST_F(FakeControlLib, EnumerationReportsTheCountThenFillsAnArrayThatHoldsThem)
@@ -56,15 +56,11 @@ TEST_F(FakeControlLib, EnumerationReportsTheCountThenFillsAnArrayThatHoldsThem)
 // machine has; the fill still writes nothing into an array too small for what it finds.
 TEST_F(FakeControlLib, CountsOfTheProfileAnswerTheCountAndTheFillCallApart)
 {
-    Open();
-    LumavenSim::WithState([](rapidjson::Document& state) {
-        rapidjson::Document counts;
-        counts.Parse(R"([{"function":"ctlEnumerateDevices","call":"count","answer":4294967295,"nth":1},
-                         {"function":"ctlEnumerateDevices","call":"fill","answer":1,"nth":2},
-                         {"function":"ctlEnumerateDevices","call":"fill","answer":3,"nth":3}])");
-        state.AddMember("counts", rapidjson::Value(counts, state.GetAllocator()), state.GetAllocator());
-        return true;
-    });
+    // Counted from the install: the session's opening does not enumerate.
+    Open(TwoAdapters(), {},
+         {{.function = "ctlEnumerateDevices", .call = "count", .answer = 4294967295, .nth = 1},
+          {.function = "ctlEnumerateDevices", .call = "fill", .answer = 1, .nth = 2},
+          {.function = "ctlEnumerateDevices", .call = "fill", .answer = 3, .nth = 3}});
     uint32_t count = 0;
     ASSERT_EQ(ctlEnumerateDevices(m_api, &count, nullptr), CTL_RESULT_SUCCESS);
     EXPECT_EQ(count, 0xFFFFFFFFu);
@@ -201,7 +197,7 @@ TEST_F(FakeControlLib, PowerSettingsReadAndSwitchOpst)
 
 TEST_F(FakeControlLib, OtherDpstFeaturesStayAsTheyAreWhenOpstIsSwitched)
 {
-    Open(R"({"adapters":[{"outputs":[{"dpstEnabled":5}]}]})");
+    Open({.adapters = {{.outputs = {{.dpstEnabled = 5}}}}});
     const auto outputs = Outputs(Devices().at(0));
     ASSERT_EQ(outputs.size(), 1u);
     ctl_power_optimization_settings_t current = Dpst();
@@ -233,7 +229,7 @@ TEST_F(FakeControlLib, APanelWithoutOpstCannotSwitchIt)
 
 TEST_F(FakeControlLib, APanelWithoutDpstReportsNoCapability)
 {
-    Open(R"({"adapters":[{"outputs":[{"dpstSupported":false}]}]})");
+    Open({.adapters = {{.outputs = {{.dpstSupported = false}}}}});
     const auto outputs = Outputs(Devices().at(0));
     ASSERT_EQ(outputs.size(), 1u);
     ctl_power_optimization_caps_t caps{};
@@ -247,7 +243,7 @@ TEST_F(FakeControlLib, APanelWithoutDpstReportsNoCapability)
 
 TEST_F(FakeControlLib, AFaultOnTheNthCallFailsThatCallAlone)
 {
-    Open(kTwoAdapters, R"([{"function":"ctlAUXAccess","code":1073741845,"nth":2}])");
+    Open(TwoAdapters(), {{.function = "ctlAUXAccess", .code = 1073741845, .nth = 2}});
     ctl_aux_access_args_t first = Aux(CTL_OPERATION_TYPE_WRITE, 0x4027, {0xC0});
     ctl_aux_access_args_t second = Aux(CTL_OPERATION_TYPE_WRITE, 0x4028, {0xC1});
     ctl_aux_access_args_t third = Aux(CTL_OPERATION_TYPE_WRITE, 0x4029, {0xC2});
@@ -263,7 +259,7 @@ TEST_F(FakeControlLib, AFaultOnTheNthCallFailsThatCallAlone)
 
 TEST_F(FakeControlLib, AFaultOnEveryCallFailsEachOneWithoutTouchingTheRecord)
 {
-    Open(kTwoAdapters, R"([{"function":"ctlGetDisplayProperties","code":1073741835}])");
+    Open(TwoAdapters(), {{.function = "ctlGetDisplayProperties", .code = 1073741835}});
     for (int i = 0; i < 2; ++i) {
         ctl_display_properties_t properties{};
         properties.DisplayConfigFlags = 0xAB;
@@ -275,7 +271,7 @@ TEST_F(FakeControlLib, AFaultOnEveryCallFailsEachOneWithoutTouchingTheRecord)
 
 TEST_F(FakeControlLib, OtherEntryPointsAnswerTheProfilesCodeOrNotImplemented)
 {
-    Open(R"({"adapters":[],"results":{"ctlFanGetState":0}})");
+    Open({.results = {{"ctlFanGetState", 0}}});
     int32_t speed = -1;
     const auto fan = reinterpret_cast<ctl_fan_handle_t>(0x7F00);
     EXPECT_EQ(ctlFanGetState(fan, CTL_FAN_SPEED_UNITS_PERCENT, &speed), CTL_RESULT_SUCCESS);
@@ -289,7 +285,7 @@ TEST_F(FakeControlLib, OtherEntryPointsAnswerTheProfilesCodeOrNotImplemented)
 
 TEST_F(FakeControlLib, LoadsAndUnloadsAreCounted)
 {
-    InstallIntel("ControlLib.dll", kTwoAdapters);
+    InstallIntel("ControlLib.dll", TwoAdapters());
     for (int i = 0; i < 2; ++i) {
         ctl_api_handle_t api = nullptr;
         ASSERT_EQ(Init(&api), CTL_RESULT_SUCCESS);

@@ -24,38 +24,41 @@ namespace Intel = LumavenSim::Intel;
 
 namespace {
 
-constexpr const char* kPanel4174 = "4C837441";
-constexpr const char* kPanel4160 = "4C836041";
+namespace Profile = LumavenSim::Profile;
 
-const char kOpstOutput[] = R"({"attached":true,"dpstSupported":true,"opstSupported":true,"dpstEnabled":0})";
-const char kNoOpstOutput[] = R"({"attached":true,"dpstSupported":true,"opstSupported":false,"dpstEnabled":0})";
-const char kDetachedOutput[] = R"({"attached":false,"dpstSupported":true,"opstSupported":true})";
+constexpr LumavenSim::PanelIdentity kPanel4174 = LumavenSim::Panels::kSdc4174;
+constexpr LumavenSim::PanelIdentity kPanel4160 = LumavenSim::Panels::kSdc4160;
 
-std::string Adapters(const std::vector<std::vector<std::string>>& adapters)
+const Profile::IntelOutput kOpstOutput{
+    .attached = true, .dpstSupported = true, .opstSupported = true, .dpstEnabled = 0};
+const Profile::IntelOutput kNoOpstOutput{
+    .attached = true, .dpstSupported = true, .opstSupported = false, .dpstEnabled = 0};
+const Profile::IntelOutput kDetachedOutput{.attached = false, .dpstSupported = true, .opstSupported = true};
+
+Profile::Intel Adapters(const std::vector<std::vector<Profile::IntelOutput>>& adapters)
 {
-    std::string json = R"({"adapters":[)";
-    for (size_t a = 0; a < adapters.size(); ++a) {
-        json += (a ? "," : "") + std::string(R"({"outputs":[)");
-        for (size_t o = 0; o < adapters[a].size(); ++o) {
-            json += (o ? "," : "") + adapters[a][o];
-        }
-        json += "]}";
+    Profile::Intel intel;
+    for (const auto& outputs : adapters) {
+        intel.adapters.push_back({.outputs = outputs});
     }
-    return json + "]}";
+    return intel;
 }
 
 class IntelFeature : public LumavenTest::ControlLibTest {
 protected:
     // An Intel laptop with this panel, these adapters and faults; the service started on it.
-    void Machine(const std::string& panel, const std::string& intel, const std::string& faults = "[]",
+    void Machine(LumavenSim::PanelIdentity panel, Profile::Intel intel, std::vector<Profile::Fault> faults = {},
                  const std::string& library = "ControlLib.dll")
     {
-        const std::string libraries = library.empty()
-                                          ? R"({"dxgi.dll":"dxgi.dll"})"
-                                          : R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":")" + library + R"("})";
-        LumavenTest::InstallProfile(R"({"monitors":[{"panel":")" + panel +
-                                    R"("}],"gpuName":"Intel(R) Iris(R) Xe Graphics","libraries":)" + libraries +
-                                    R"(,"intel":)" + intel + R"(,"faults":)" + faults + "}");
+        Profile::Machine machine{.monitors = {{.panel = panel}},
+                                 .gpuName = "Intel(R) Iris(R) Xe Graphics",
+                                 .libraries = {{"dxgi.dll", "dxgi.dll"}},
+                                 .intel = std::move(intel),
+                                 .faults = std::move(faults)};
+        if (!library.empty()) {
+            machine.libraries["ControlLib.dll"] = library;
+        }
+        LumavenTest::InstallProfile(machine);
         m_service = std::make_unique<LumavenService>();
         m_service->startup_task();
         ASSERT_EQ(m_service->m_videoController, kVendorIntel);
@@ -115,7 +118,7 @@ TEST_F(IntelFeature, SecondAdapterIsUsedWhenTheFirstHasNoOutputs)
 TEST_F(IntelFeature, FailedOutputEnumerationIsLoggedOnceAndTheNextAdapterUsed)
 {
     Machine(kPanel4174, Adapters({{kOpstOutput}, {kOpstOutput}}),
-            R"([{"function":"ctlEnumerateDisplayOutputs","code":1073741835,"nth":1}])");
+            {{.function = "ctlEnumerateDisplayOutputs", .code = 1073741835, .nth = 1}});
     LogCapture capture;
     const auto result = Run(1);
     EXPECT_EQ(result.status, StatusSuccess);
@@ -160,7 +163,7 @@ TEST_F(IntelFeature, VerifyingAnEmptyListIsFalseAndReadsNothing)
 
 TEST_F(IntelFeature, FailingInitStillClosesAndAnswersDeviceError)
 {
-    Machine(kPanel4174, Adapters({{kOpstOutput}}), R"([{"function":"ctlInit","code":1073741825}])");
+    Machine(kPanel4174, Adapters({{kOpstOutput}}), {{.function = "ctlInit", .code = 1073741825}});
     LumavenTest::SetOledDword(7);
     for (const uint32_t command : {1u, 2u, 3u, 5u, 6u, 8u}) {
         LumavenSim::ClearTransactions();
@@ -177,7 +180,7 @@ TEST_F(IntelFeature, FailingInitStillClosesAndAnswersDeviceError)
 
 TEST_F(IntelFeature, WithoutTheLibraryEveryCommandIsADeviceErrorAndWritesNothing)
 {
-    Machine(kPanel4174, Adapters({{kOpstOutput}}), "[]", "");
+    Machine(kPanel4174, Adapters({{kOpstOutput}}), {}, "");
     LumavenTest::SetOledDword(7);
     for (const uint32_t command : {1u, 2u, 3u, 5u, 8u}) {
         const auto result = Run(command);
@@ -191,9 +194,9 @@ TEST_F(IntelFeature, UnsupportedPanelWritesNothing)
 {
     Machine(kPanel4174, Adapters({{kOpstOutput}}));
     LumavenTest::InstallProfile(
-        std::string(
-            R"({"monitors":[{"panel":"10ACF540"}],"libraries":{"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"},"intel":)") +
-        Adapters({{kOpstOutput}}) + "}");
+        Profile::Machine{.monitors = {{.panel = LumavenSim::Panels::kDel40F5}},
+                         .libraries = {{"dxgi.dll", "dxgi.dll"}, {"ControlLib.dll", "ControlLib.dll"}},
+                         .intel = Adapters({{kOpstOutput}})});
     LumavenTest::SetOledDword(0);
     LogCapture capture;
     const auto result = Run(5);
@@ -245,8 +248,8 @@ TEST_F(IntelFeature, PanelWithoutASequenceForTheFlagWritesNothing)
 
 TEST_F(IntelFeature, LastDisplayThatAnswersDecides)
 {
-    const std::string opstOn = R"({"attached":true,"opstSupported":true,"dpstEnabled":4})";
-    const std::string opstOff = R"({"attached":true,"opstSupported":true,"dpstEnabled":0})";
+    const Profile::IntelOutput opstOn{.attached = true, .opstSupported = true, .dpstEnabled = 4};
+    const Profile::IntelOutput opstOff{.attached = true, .opstSupported = true, .dpstEnabled = 0};
     Machine(kPanel4174, Adapters({{opstOn, opstOff}}));
     auto result = Run(1);
     EXPECT_EQ(result.status, StatusSuccess);
@@ -260,7 +263,7 @@ TEST_F(IntelFeature, LastDisplayThatAnswersDecides)
 
 TEST_F(IntelFeature, SecondOfFourWritesFailingStopsTheSequence)
 {
-    Machine(kPanel4160, Adapters({{kOpstOutput}}), R"([{"function":"ctlAUXAccess","code":1073741835,"nth":2}])");
+    Machine(kPanel4160, Adapters({{kOpstOutput}}), {{.function = "ctlAUXAccess", .code = 1073741835, .nth = 2}});
     LumavenTest::SetOledDword(0);
     LogCapture capture;
     const auto result = Run(5);
@@ -289,7 +292,7 @@ TEST_F(IntelFeature, SecondOfFourWritesFailingStopsTheSequence)
 TEST_F(IntelFeature, ReadBackThatDiffersFailsTheVerification)
 {
     // The read answers success without data: the first byte comes back 00 instead of C0.
-    Machine(kPanel4174, Adapters({{kOpstOutput}}), R"([{"function":"ctlAUXAccess","code":0,"nth":2}])");
+    Machine(kPanel4174, Adapters({{kOpstOutput}}), {{.function = "ctlAUXAccess", .code = 0, .nth = 2}});
     LumavenTest::SetOledDword(0);
     LogCapture capture;
     const auto result = Run(5);
@@ -324,7 +327,7 @@ TEST_F(IntelFeature, OffSequenceOfPanel4160IsFourWritesAndOneRead)
 
 TEST_F(IntelFeature, OpstBesideAnotherDpstFeatureReadsAsOff)
 {
-    Machine(kPanel4174, Adapters({{R"({"attached":true,"opstSupported":true,"dpstFeatures":1,"dpstEnabled":5})"}}));
+    Machine(kPanel4174, Adapters({{{.attached = true, .opstSupported = true, .dpstFeatures = 1, .dpstEnabled = 5}}}));
     LumavenTest::SetOledDword(1);
     const auto result = Run(1);
     EXPECT_EQ(result.status, StatusSuccess);
@@ -334,7 +337,7 @@ TEST_F(IntelFeature, OpstBesideAnotherDpstFeatureReadsAsOff)
 
 TEST_F(IntelFeature, GetOpstReadsOpstAloneAsOnAndRecordsIt)
 {
-    Machine(kPanel4174, Adapters({{R"({"attached":true,"opstSupported":true,"dpstEnabled":4})"}}));
+    Machine(kPanel4174, Adapters({{{.attached = true, .opstSupported = true, .dpstEnabled = 4}}}));
     LumavenTest::SetOledDword(0);
     EXPECT_EQ(Run(1).response, L"{\"result\":true}");
     EXPECT_EQ(LumavenTest::OledDword(), 1u);
@@ -370,7 +373,7 @@ TEST_F(IntelFeature, EnableOpstWithoutSupportAnswersFalseAndLeavesTheSetting)
 TEST_F(IntelFeature, FailedSetWithAGoodReadBackAnswersThePanelState)
 {
     Machine(kPanel4174, Adapters({{kOpstOutput}}),
-            R"([{"function":"ctlSetPowerOptimizationSetting","code":1073741835}])");
+            {{.function = "ctlSetPowerOptimizationSetting", .code = 1073741835}});
     LogCapture capture;
     const auto result = Run(2);
     EXPECT_EQ(result.status, StatusSuccess);
@@ -483,7 +486,7 @@ TEST_F(IntelFeature, SessionIsClosedOnEveryWayOutOfItsScope)
 // A session its owner leaves open keeps the library loaded for the next ctlInit.
 TEST_F(IntelFeature, SessionLeftOpenIsNotClosed)
 {
-    Machine(kPanel4160, Adapters({{kOpstOutput}}), R"([{"function":"ctlEnumerateDevices","code":1073741832,"nth":1}])");
+    Machine(kPanel4160, Adapters({{kOpstOutput}}), {{.function = "ctlEnumerateDevices", .code = 1073741832, .nth = 1}});
     {
         IntelSession session;
         ASSERT_FALSE(session.Open());

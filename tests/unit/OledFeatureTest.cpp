@@ -28,19 +28,41 @@ using XeltoClient::RunCommand;
 
 namespace {
 
-std::string Profile(const std::string& panel, const std::string& gpu, const std::string& libraries,
-                    const std::string& extra = "")
-{
-    return R"({"monitors":[{"panel":")" + panel + R"("}],"gpuName":")" + gpu + R"(","libraries":)" + libraries + extra +
-           "}";
-}
+namespace Profile = LumavenSim::Profile;
+namespace Panels = LumavenSim::Panels;
+using Libraries = std::map<std::string, std::string>;
 
 const char kIntelGpu[] = "Intel(R) Iris(R) Xe Graphics";
 const char kAmdGpu[] = "AMD Radeon(TM) Graphics";
-const char kAmdDrivers[] = R"({"dxgi.dll":"dxgi.dll","atiadlxx.dll":"atiadlxx.dll","amdadlx64.dll":"amdadlx64.dll"})";
-const char kAmdSections[] =
-    R"(,"amd":{"adapters":[{"adapterIndex":0,"displays":[{"infoValue":3,"panel":"4C836C41"}]}]},)"
-    R"("adlx":{"displays":[{"varibrightSupported":true,"varibrightEnabled":false}]})";
+const Libraries kDxgi{{"dxgi.dll", "dxgi.dll"}};
+const Libraries kIntelDrivers{{"dxgi.dll", "dxgi.dll"}, {"ControlLib.dll", "ControlLib.dll"}};
+const Libraries kAmdDrivers{
+    {"dxgi.dll", "dxgi.dll"}, {"atiadlxx.dll", "atiadlxx.dll"}, {"amdadlx64.dll", "amdadlx64.dll"}};
+
+// A machine with one monitor of this panel, this GPU and these vendor libraries.
+Profile::Machine Machine(LumavenSim::PanelIdentity panel, const std::string& gpu, const Libraries& libraries)
+{
+    return {.monitors = {{.panel = panel}}, .gpuName = gpu, .libraries = libraries};
+}
+
+// The machine with one Intel adapter whose one output is `output`, and these faults.
+Profile::Machine WithIntel(Profile::Machine machine, const Profile::IntelOutput& output,
+                           std::vector<Profile::Fault> faults = {})
+{
+    machine.intel = Profile::Intel{.adapters = {{.outputs = {output}}}};
+    machine.faults = std::move(faults);
+    return machine;
+}
+
+// An AMD laptop: the panel on ADL's adapter 0, display 0, and ADLX's display with VariBright off.
+Profile::Machine AmdLaptop(LumavenSim::PanelIdentity panel)
+{
+    Profile::Machine machine = Machine(panel, kAmdGpu, kAmdDrivers);
+    machine.amd =
+        Profile::Amd{.adapters = {{.adapterIndex = 0, .displays = {{.infoValue = 3, .panel = Panels::kSdc416C}}}}};
+    machine.adlx = Profile::Adlx{.displays = {{.varibrightSupported = true, .varibrightEnabled = false}}};
+    return machine;
+}
 
 class OledFeature : public ::testing::Test {
 protected:
@@ -51,7 +73,7 @@ protected:
     }
     void TearDown() override { LumavenTest::ResetServiceProcessState(); }
 
-    std::unique_ptr<LumavenService> Started(const std::string& profile)
+    std::unique_ptr<LumavenService> Started(const Profile::Machine& profile)
     {
         LumavenTest::InstallProfile(profile);
         auto service = std::make_unique<LumavenService>();
@@ -72,10 +94,10 @@ protected:
 TEST_F(OledFeature, StartupOnIntelSharesTheTableWithTheIntelPath)
 {
     LogCapture capture;
-    auto service = Started(Profile("4C837441", kIntelGpu, R"({"dxgi.dll":"dxgi.dll"})"));
+    auto service = Started(Machine(Panels::kSdc4174, kIntelGpu, kDxgi));
     EXPECT_EQ(capture.Texts().front(), L"Opening startup_task in LumavenService\n");
     EXPECT_EQ(service->m_videoController, kVendorIntel);
-    EXPECT_EQ(service->m_panelId, 0x4174834Cu);
+    EXPECT_EQ(service->m_panelId, Panels::kSdc4174.id);
     ASSERT_NE(service->m_auxData, nullptr);
     EXPECT_EQ(g_auxData, service->m_auxData.get());
     EXPECT_EQ(service->m_setElp, &LumavenService::SetIntelElp);
@@ -85,7 +107,7 @@ TEST_F(OledFeature, StartupOnIntelSharesTheTableWithTheIntelPath)
 
 TEST_F(OledFeature, StartupOnAmdLeavesTheIntelViewUnset)
 {
-    auto service = Started(Profile("4C836C41", kAmdGpu, R"({"dxgi.dll":"dxgi.dll"})"));
+    auto service = Started(Machine(Panels::kSdc416C, kAmdGpu, kDxgi));
     EXPECT_EQ(service->m_videoController, kVendorAmd);
     ASSERT_NE(service->m_auxData, nullptr);
     EXPECT_EQ(service->m_auxData->size(), 22u);
@@ -95,7 +117,7 @@ TEST_F(OledFeature, StartupOnAmdLeavesTheIntelViewUnset)
 
 TEST_F(OledFeature, StartupOnAnotherVendorChoosesNoSetter)
 {
-    auto service = Started(Profile("4C837441", "Microsoft Basic Display Adapter", R"({"dxgi.dll":"dxgi.dll"})"));
+    auto service = Started(Machine(Panels::kSdc4174, "Microsoft Basic Display Adapter", kDxgi));
     EXPECT_EQ(service->m_videoController, 0);
     EXPECT_NE(service->m_auxData, nullptr);
     EXPECT_EQ(service->m_setElp, nullptr);
@@ -108,7 +130,7 @@ TEST_F(OledFeature, StartupOnAnotherVendorChoosesNoSetter)
 
 TEST_F(OledFeature, UnsupportedPanelStillGetsTheTable)
 {
-    auto service = Started(Profile("10ACF540", kAmdGpu, R"({"dxgi.dll":"dxgi.dll"})"));
+    auto service = Started(Machine(Panels::kDel40F5, kAmdGpu, kDxgi));
     EXPECT_EQ(service->m_panelId, 0u);
     ASSERT_NE(service->m_auxData, nullptr);
     EXPECT_EQ(service->m_auxData->count({0, true}), 0u);
@@ -118,7 +140,7 @@ TEST_F(OledFeature, UnsupportedPanelStillGetsTheTable)
 TEST_F(OledFeature, ElpSettersRefuseMalformedRequests)
 {
     for (const char* gpu : {kIntelGpu, kAmdGpu}) {
-        auto service = Started(Profile("4C837441", gpu, R"({"dxgi.dll":"dxgi.dll"})"));
+        auto service = Started(Machine(Panels::kSdc4174, gpu, kDxgi));
         Document response;
         response.SetObject();
         LogCapture capture;
@@ -136,7 +158,7 @@ TEST_F(OledFeature, ElpSettersRefuseMalformedRequests)
 TEST_F(OledFeature, ElpSettersWithoutASupportedPanelAreDeviceErrors)
 {
     for (const char* gpu : {kIntelGpu, kAmdGpu}) {
-        auto service = Started(Profile("10ACF540", gpu, R"({"dxgi.dll":"dxgi.dll"})"));
+        auto service = Started(Machine(Panels::kDel40F5, gpu, kDxgi));
         const auto result = RunCommand(*service, 9, L"{\"BValue\":true}");
         EXPECT_EQ(result.status, StatusDeviceError) << gpu;
         EXPECT_EQ(result.response, L"{}") << gpu;
@@ -145,13 +167,13 @@ TEST_F(OledFeature, ElpSettersWithoutASupportedPanelAreDeviceErrors)
 
 TEST_F(OledFeature, AmdPanelInTheTableForOneFlagOnlyRefusesTheOther)
 {
-    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
-    ASSERT_EQ(service->m_auxData->erase({0x416C834C, true}), 1u);
+    auto service = Started(AmdLaptop(Panels::kSdc416C));
+    ASSERT_EQ(service->m_auxData->erase({Panels::kSdc416C.id, true}), 1u);
     LumavenTest::SetOledDword(0);
     const auto on = RunCommand(*service, 9, L"{\"BValue\":true}");
     EXPECT_EQ(on.status, StatusDeviceError);
     EXPECT_EQ(on.response, L"{}");
-    EXPECT_EQ(service->m_auxData->count({0x416C834C, true}), 0u) << "the look-up adds no entry";
+    EXPECT_EQ(service->m_auxData->count({Panels::kSdc416C.id, true}), 0u) << "the look-up adds no entry";
     EXPECT_TRUE(LumavenTest::Amd::Calls().empty()) << "ADL is not even loaded";
     EXPECT_EQ(LumavenTest::OledDword(), 0u);
 
@@ -166,7 +188,7 @@ TEST_F(OledFeature, AmdPanelInTheTableForOneFlagOnlyRefusesTheOther)
 TEST_F(OledFeature, IntelSupportQueryCountsAFailingOpstQueryAsSupported)
 {
     // No control library: the OPST query fails, adds nothing, and counts as supported.
-    auto service = Started(Profile("10ACF540", kIntelGpu, R"({"dxgi.dll":"dxgi.dll"})"));
+    auto service = Started(Machine(Panels::kDel40F5, kIntelGpu, kDxgi));
     const auto result = RunCommand(*service, 10);
     EXPECT_EQ(result.status, StatusSuccess);
     EXPECT_EQ(result.response, L"{\"result\":true}");
@@ -175,19 +197,16 @@ TEST_F(OledFeature, IntelSupportQueryCountsAFailingOpstQueryAsSupported)
 
 TEST_F(OledFeature, IntelSupportQueryWithoutASupportedPanelIsFalse)
 {
-    auto service =
-        Started(Profile("10ACF540", kIntelGpu, R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"})",
-                        R"(,"intel":{"adapters":[{"outputs":[{"attached":true,"opstSupported":true}]}]})"));
+    auto service = Started(
+        WithIntel(Machine(Panels::kDel40F5, kIntelGpu, kIntelDrivers), {.attached = true, .opstSupported = true}));
     EXPECT_EQ(RunCommand(*service, 10).response, L"{\"result\":true,\"result\":false}");
     EXPECT_EQ(RunCommand(*service, 4).response, L"{\"result\":false}");
 }
 
 TEST_F(OledFeature, IntelPowerSaveOnSkipsEdWhenOpstFails)
 {
-    auto service =
-        Started(Profile("4C837441", kIntelGpu, R"({"dxgi.dll":"dxgi.dll","ControlLib.dll":"ControlLib.dll"})",
-                        R"(,"intel":{"adapters":[{"outputs":[{"attached":true}]}]},)"
-                        R"("faults":[{"function":"ctlInit","code":1073741825,"nth":1}])"));
+    auto service = Started(WithIntel(Machine(Panels::kSdc4174, kIntelGpu, kIntelDrivers), {.attached = true},
+                                     {{.function = "ctlInit", .code = 1073741825, .nth = 1}}));
     LumavenTest::SetOledDword(0);
     const auto result = RunCommand(*service, 11);
     EXPECT_EQ(result.status, StatusSuccess);
@@ -198,7 +217,7 @@ TEST_F(OledFeature, IntelPowerSaveOnSkipsEdWhenOpstFails)
 
 TEST_F(OledFeature, AmdPowerSaveOnRewritesTheRequest)
 {
-    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    auto service = Started(AmdLaptop(Panels::kSdc416C));
     Document request;
     ASSERT_TRUE(ParseRequest(request, L"{\"BValue\":false,\"other\":[1,2]}"));
     Document response;
@@ -238,7 +257,7 @@ TEST_F(OledFeature, EventReaderReportsTheStoredState)
 
 TEST_F(OledFeature, EventsWhileOffLeaveThePreviousStateAlone)
 {
-    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    auto service = Started(AmdLaptop(Panels::kSdc416C));
     LumavenTest::SetOledDword(0);
     LogCapture capture;
     Event(*service, kConsoleDisplayState, 0);
@@ -248,7 +267,7 @@ TEST_F(OledFeature, EventsWhileOffLeaveThePreviousStateAlone)
 
 TEST_F(OledFeature, EventsWithoutAStoredStateLeaveThePreviousStateAlone)
 {
-    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    auto service = Started(AmdLaptop(Panels::kSdc416C));
     ASSERT_FALSE(LumavenTest::OledDword().has_value()) << "SetUp removed the setting";
     LogCapture capture;
     Event(*service, kConsoleDisplayState, 0);
@@ -262,7 +281,7 @@ TEST_F(OledFeature, EventsWithoutAStoredStateLeaveThePreviousStateAlone)
 
 TEST_F(OledFeature, EventTransitionsFollowTheTable)
 {
-    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    auto service = Started(AmdLaptop(Panels::kSdc416C));
     LumavenTest::SetOledDword(1);
     const auto writes = [] { return LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(); };
 
@@ -287,7 +306,7 @@ TEST_F(OledFeature, EventTransitionsFollowTheTable)
 
 TEST_F(OledFeature, FirstDisplayOnAfterStartReapplies)
 {
-    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    auto service = Started(AmdLaptop(Panels::kSdc416C));
     LumavenTest::SetOledDword(1);
     Event(*service, kConsoleDisplayState, 1);
     EXPECT_EQ(LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(), 5u);
@@ -295,7 +314,7 @@ TEST_F(OledFeature, FirstDisplayOnAfterStartReapplies)
 
 TEST_F(OledFeature, AmdWithoutSupportedPanelGainsAnEmptyEntryAndWritesNothing)
 {
-    auto service = Started(Profile("10ACF540", kAmdGpu, kAmdDrivers, kAmdSections));
+    auto service = Started(AmdLaptop(Panels::kDel40F5));
     LumavenTest::SetOledDword(1);
     ASSERT_EQ(service->m_auxData->count({0, true}), 0u);
     Event(*service, kConsoleDisplayState, 1);
@@ -306,7 +325,7 @@ TEST_F(OledFeature, AmdWithoutSupportedPanelGainsAnEmptyEntryAndWritesNothing)
 
 TEST_F(OledFeature, NullEventRecordIsIgnored)
 {
-    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    auto service = Started(AmdLaptop(Panels::kSdc416C));
     LumavenTest::SetOledDword(1);
     EXPECT_EQ(service->OledEventCalled(nullptr), 0u);
     EXPECT_EQ(g_prevDisplayState, -1);
@@ -332,7 +351,7 @@ TEST_F(OledFeature, EventGateDeadlineSaturatesAtTheEndOfTheClock)
 
 TEST_F(OledFeature, EventOnAnotherVendorWithPowerSavingOnWritesNothing)
 {
-    auto service = Started(Profile("4C837441", "Microsoft Basic Display Adapter", R"({"dxgi.dll":"dxgi.dll"})"));
+    auto service = Started(Machine(Panels::kSdc4174, "Microsoft Basic Display Adapter", kDxgi));
     ASSERT_EQ(service->m_videoController, 0);
     LumavenTest::SetOledDword(1);
     LogCapture capture;
@@ -346,7 +365,7 @@ TEST_F(OledFeature, EventOnAnotherVendorWithPowerSavingOnWritesNothing)
 
 TEST_F(OledFeature, EventHoldsTheServiceMutexThroughItsWaitAndWrite)
 {
-    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    auto service = Started(AmdLaptop(Panels::kSdc416C));
     LumavenTest::SetOledDword(1);
     LogCapture capture;
     std::atomic<bool> eventDone = false;
@@ -371,10 +390,10 @@ TEST_F(OledFeature, EventHoldsTheServiceMutexThroughItsWaitAndWrite)
 TEST_F(OledFeature, AmdEventWithoutATableWritesNothing)
 {
     // What a start-up that could not build the table leaves: vendor and panel known, no table.
-    LumavenTest::InstallProfile(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::InstallProfile(AmdLaptop(Panels::kSdc416C));
     LumavenService service;
     service.m_videoController = kVendorAmd;
-    service.m_panelId = 0x416C834C;
+    service.m_panelId = Panels::kSdc416C.id;
     LumavenTest::SetOledDword(1);
     LumavenSim::ClearTransactions();
     EXPECT_EQ(Event(service, kConsoleDisplayState, 1), 0u);
@@ -385,9 +404,9 @@ TEST_F(OledFeature, AmdEventWithoutATableWritesNothing)
 
 TEST_F(OledFeature, AmdElpSetterWithoutATableIsADeviceError)
 {
-    LumavenTest::InstallProfile(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    LumavenTest::InstallProfile(AmdLaptop(Panels::kSdc416C));
     LumavenService service;
-    service.m_panelId = 0x416C834C;
+    service.m_panelId = Panels::kSdc416C.id;
     LumavenTest::SetOledDword(0);
     LumavenSim::ClearTransactions();
     Document request;
@@ -402,19 +421,19 @@ TEST_F(OledFeature, AmdElpSetterWithoutATableIsADeviceError)
 
 TEST_F(OledFeature, AmdElpSetterWritesWithoutAResponseDocument)
 {
-    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    auto service = Started(AmdLaptop(Panels::kSdc416C));
     LumavenTest::SetOledDword(0);
     Document request;
     ASSERT_TRUE(ParseRequest(request, L"{\"BValue\":true}"));
     EXPECT_EQ(service->SetAmdElp(&request, nullptr, 1, 0), StatusSuccess);
     EXPECT_EQ(LumavenTest::Amd::RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(),
-              service->m_auxData->at({0x416C834C, true}).size());
+              service->m_auxData->at({Panels::kSdc416C.id, true}).size());
     EXPECT_EQ(LumavenTest::OledDword(), 1u);
 }
 
 TEST_F(OledFeature, AmdElpSetterTakesOnlyTheLiteralTrueAsOn)
 {
-    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    auto service = Started(AmdLaptop(Panels::kSdc416C));
     LumavenTest::SetOledDword(1);
     LogCapture capture;
     const auto text = RunCommand(*service, 9, L"{\"BValue\":\"true\"}");
@@ -435,7 +454,7 @@ TEST_F(OledFeature, AmdElpSetterTakesOnlyTheLiteralTrueAsOn)
 
 TEST_F(OledFeature, CompositeHandlersCheckTheirDocuments)
 {
-    auto service = Started(Profile("4C836C41", kAmdGpu, kAmdDrivers, kAmdSections));
+    auto service = Started(AmdLaptop(Panels::kSdc416C));
     LumavenTest::SetOledDword(0);
     using Handler = std::function<uint32_t(Document*, Document*)>;
     const std::pair<const char*, Handler> handlers[] = {

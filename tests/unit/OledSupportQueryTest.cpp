@@ -9,14 +9,16 @@
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
 using LumavenTest::InstallProfile;
 using LumavenTest::MonitorsProfile;
+namespace Panels = LumavenSim::Panels;
+namespace Profile = LumavenSim::Profile;
 using XeltoClient::RunCommand;
 
 TEST(GetIfSystemSupportsOled, AnswersFromTheMonitorsPresentNow)
 {
     LumavenService service;
-    InstallProfile(MonitorsProfile({"4C83AC41"}));
+    InstallProfile(MonitorsProfile({Panels::kSdc41AC}));
     EXPECT_EQ(RunCommand(service, 4).response, L"{\"result\":true}");
-    InstallProfile(MonitorsProfile({"4C839941"}));
+    InstallProfile(MonitorsProfile({Panels::kSdc4199}));
     const auto result = RunCommand(service, 4);
     EXPECT_EQ(result.status, StatusSuccess);
     EXPECT_EQ(result.response, L"{\"result\":false}");

@@ -15,6 +15,8 @@
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
 using LumavenTest::InstallProfile;
 using LumavenTest::MonitorsProfile;
+namespace Panels = LumavenSim::Panels;
+namespace Profile = LumavenSim::Profile;
 
 namespace {
 
@@ -126,7 +128,7 @@ TEST(PanelIdentity, NoMonitorGivesIndex11AndIdentity0)
 
 TEST(PanelIdentity, MonitorClassThatSetupApiCannotListGivesIndex11AndIdentity0)
 {
-    InstallProfile(MonitorsProfile({"4C837441"}));
+    InstallProfile(MonitorsProfile({Panels::kSdc4174}));
     ASSERT_EQ(GetPanelIndex(), 3) << "the panel as the class lists it";
     {
         MonitorClassHidden hidden;
@@ -143,7 +145,7 @@ TEST(PanelIdentity, MonitorClassThatSetupApiCannotListGivesIndex11AndIdentity0)
 
 TEST(PanelIdentity, Panel4174IsIndex3)
 {
-    InstallProfile(MonitorsProfile({"4C837441"}));
+    InstallProfile(MonitorsProfile({Panels::kSdc4174}));
     EXPECT_EQ(GetPanelIndex(), 3);
     EXPECT_EQ(GetPanelId(), 0x4174834Cu);
 }
@@ -151,7 +153,7 @@ TEST(PanelIdentity, Panel4174IsIndex3)
 TEST(PanelIdentity, EdidIsReadWholeAsWidenedBytes)
 {
     const std::vector<uint8_t> edid = LumavenSim::MakeEdid({0x4C, 0x83, 0x60, 0x41});
-    InstallProfile(MonitorsProfile({"{\"edid\":\"" + Hex(edid) + "\"}"}));
+    InstallProfile(Profile::Machine{.monitors = {{.edid = Hex(edid)}}});
     const auto edids = ReadMonitorEdids();
     ASSERT_EQ(edids.size(), 1u);
     for (size_t i = 0; i < 128; ++i) {
@@ -161,7 +163,7 @@ TEST(PanelIdentity, EdidIsReadWholeAsWidenedBytes)
 
 TEST(PanelIdentity, FirstMonitorWithUnknownProductIsPassedOver)
 {
-    InstallProfile(MonitorsProfile({"4C839941", "4C83AA41"}));
+    InstallProfile(MonitorsProfile({Panels::kSdc4199, Panels::kSdc41AA}));
     EXPECT_EQ(ReadMonitorEdids().size(), 2u);
     EXPECT_EQ(GetPanelIndex(), 10);
     EXPECT_EQ(GetPanelId(), 0x41AA834Cu);
@@ -169,13 +171,13 @@ TEST(PanelIdentity, FirstMonitorWithUnknownProductIsPassedOver)
 
 TEST(PanelIdentity, FirstSupportedMonitorInEnumerationOrderWins)
 {
-    InstallProfile(MonitorsProfile({"4C837D41", "4C836041"}));
+    InstallProfile(MonitorsProfile({Panels::kSdc417D, Panels::kSdc4160}));
     EXPECT_EQ(GetPanelIndex(), 1);
 }
 
 TEST(PanelIdentity, EdidOver256BytesGrowsTheBufferAndKeeps128)
 {
-    InstallProfile(MonitorsProfile({R"({"panel":"4C836C41","edidLength":384})"}));
+    InstallProfile(Profile::Machine{.monitors = {{.panel = Panels::kSdc416C, .edidLength = 384}}});
     const auto edids = ReadMonitorEdids();
     ASSERT_EQ(edids.size(), 1u);
     EXPECT_EQ(edids[0][10], 0x6Cu);
@@ -185,7 +187,7 @@ TEST(PanelIdentity, EdidOver256BytesGrowsTheBufferAndKeeps128)
 
 TEST(PanelIdentity, EdidShorterThan128BytesStillGives128Values)
 {
-    InstallProfile(MonitorsProfile({R"({"panel":"4C837041","edidLength":20})"}));
+    InstallProfile(Profile::Machine{.monitors = {{.panel = Panels::kSdc4170, .edidLength = 20}}});
     const auto edids = ReadMonitorEdids();
     ASSERT_EQ(edids.size(), 1u);
     EXPECT_EQ(edids[0][8], 0x4Cu);

@@ -14,6 +14,8 @@ using namespace Xelto::Spanlet::Server::Services::Lumaven;
 using LumavenTest::InstallProfile;
 using LumavenTest::LogCapture;
 using LumavenTest::MonitorsProfile;
+namespace Panels = LumavenSim::Panels;
+namespace Profile = LumavenSim::Profile;
 
 TEST(ServiceObject, TypeNameReadsAsTheWindowsCompilerPrintsIt)
 {
@@ -28,7 +30,7 @@ TEST(ServiceObject, TypeNameReadsAsTheWindowsCompilerPrintsIt)
 
 TEST(ServiceObject, FactoryCreatesTheServiceOnASupportedPanel)
 {
-    InstallProfile(MonitorsProfile({"4C837441"}));
+    InstallProfile(MonitorsProfile({Panels::kSdc4174}));
     LogCapture capture;
     XeltoService* service = XeltoCreateService();
     ASSERT_NE(service, nullptr);
@@ -39,7 +41,7 @@ TEST(ServiceObject, FactoryCreatesTheServiceOnASupportedPanel)
 
 TEST(ServiceObject, FactoryRefusesAnUnsupportedPlatformWithOneLine)
 {
-    InstallProfile(MonitorsProfile({"10ACF540"}));
+    InstallProfile(MonitorsProfile({Panels::kDel40F5}));
     LogCapture capture;
     EXPECT_EQ(XeltoCreateService(), nullptr);
     const auto records = capture.Records();
@@ -126,10 +128,13 @@ TEST(ServiceObject, CreateStringRefusesTextsOverSixtyFourCharactersWithoutTrunca
 TEST(ServiceObject, DeletingTheServiceUnloadsWhatAnInterruptedAdlWriteLeftLoaded)
 {
     // ADL cannot count the adapters, so the ELP write stops early with the library loaded.
-    InstallProfile(R"({"monitors":[{"panel":"4C836C41"}],"gpuName":"AMD Radeon(TM) Graphics",
-        "libraries":{"dxgi.dll":"dxgi.dll","atiadlxx.dll":"atiadlxx.dll"},
-        "amd":{"adapters":[{"adapterIndex":0,"displays":[{"infoValue":3,"panel":"4C836C41"}]}]},
-        "faults":[{"function":"ADL2_Adapter_NumberOfAdapters_Get","code":-1}]})");
+    InstallProfile(Profile::Machine{
+        .monitors = {{.panel = Panels::kSdc416C}},
+        .gpuName = "AMD Radeon(TM) Graphics",
+        .libraries = {{"dxgi.dll", "dxgi.dll"}, {"atiadlxx.dll", "atiadlxx.dll"}},
+        .amd =
+            Profile::Amd{.adapters = {{.adapterIndex = 0, .displays = {{.infoValue = 3, .panel = Panels::kSdc416C}}}}},
+        .faults = {{.function = "ADL2_Adapter_NumberOfAdapters_Get", .code = -1}}});
     ASSERT_EQ(GetModuleHandleW(L"atiadlxx.dll"), nullptr);
     XeltoService* service = XeltoCreateService();
     ASSERT_NE(service, nullptr);

@@ -30,11 +30,13 @@ namespace {
 
 constexpr uint64_t kContextWord = 0x5EED;
 
-std::string Laptop(bool supported, bool enabled, const std::string& libraries = R"({"amdadlx64.dll":"amdadlx64.dll"})")
+LumavenSim::Profile::Machine Laptop(bool supported, bool enabled,
+                                    std::map<std::string, std::string> libraries = {{"amdadlx64.dll", "amdadlx64.dll"}})
 {
-    return std::string(R"({"monitors":[{"panel":"4C836C41"}],"adlx":{"displays":[{"varibrightSupported":)") +
-           (supported ? "true" : "false") + R"(,"varibrightEnabled":)" + (enabled ? "true" : "false") +
-           R"(}]},"libraries":)" + libraries + "}";
+    return {.monitors = {{.panel = LumavenSim::Panels::kSdc416C}},
+            .libraries = std::move(libraries),
+            .adlx = LumavenSim::Profile::Adlx{
+                .displays = {{.varibrightSupported = supported, .varibrightEnabled = enabled}}}};
 }
 
 XeltoClient::Reply Execute(LumavenService& service, uint32_t command, const wchar_t* request)
@@ -190,7 +192,7 @@ TEST_F(VaribrightCommands, Command13WithoutAdlxLibraryAnswersFalse)
     EXPECT_EQ(Execute(m_service, 13, L"{}").response, L"{\"result\":true}");
     g_ADLXHelp.Terminate();
 
-    InstallProfile(Laptop(true, false, "{}"));
+    InstallProfile(Laptop(true, false, {}));
     InitializeAdlxDisplay();
     // Not the state before any initialisation: the earlier display services are still held,
     // so only the missing library can make the answer false.

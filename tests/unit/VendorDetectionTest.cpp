@@ -187,7 +187,7 @@ TEST(CheckVideoControllerType, ProfileWithoutAGpuLibraryLeavesWinesOwnController
     // its one default controller. Without a display Wine's DXGI has no adapter and the
     // controller is called "VideoController1" (with a display it would carry the host's
     // GPU). A fake dxgi.dll loaded earlier in this process answers the same way.
-    LumavenTest::InstallProfile(R"({"gpuName": "Intel(R) Iris(R) Xe Graphics"})");
+    LumavenTest::InstallProfile(LumavenSim::Profile::Machine{.gpuName = "Intel(R) Iris(R) Xe Graphics"});
     Xelto::Spanlet::Server::Shared::WMI::PublicWmi wmi;
     Document response;
     response.SetObject();
@@ -204,8 +204,7 @@ TEST(CheckVideoControllerType, ProfileWithoutAGpuLibraryLeavesWinesOwnController
 TEST(CheckVideoControllerType, FailingDriverLeavesWinesDefaultControllerAndGivesZero)
 {
     // When DXGI cannot describe the adapter, Wine's WMI still reports its default controller.
-    InstallGpu("Intel(R) Iris(R) Xe Graphics",
-               R"("faults": [{"function": "IDXGIAdapter::GetDesc", "code": 2147500037}])");  // E_FAIL
+    InstallGpu("Intel(R) Iris(R) Xe Graphics", {{.function = "IDXGIAdapter::GetDesc", .code = 2147500037}});  // E_FAIL
     LogCapture capture;
     EXPECT_EQ(LumavenService::CheckVideoControllerType(), 0);
     EXPECT_THAT(capture.Texts(), testing::ElementsAre(Information(0)));
@@ -231,7 +230,7 @@ TEST(CheckVideoControllerType, WmiUnavailableLogsTheFailureAndGivesZero)
     }
     // A broken driver installation: the fake dxgi.dll refuses to load, so Wine's WMI
     // provider, which imports it, cannot load either and the locator cannot be created.
-    InstallGpu("Intel(R) Iris(R) Xe Graphics", R"("faults": [{"function": "DllMain", "code": 1}])");
+    InstallGpu("Intel(R) Iris(R) Xe Graphics", {{.function = "DllMain", .code = 1}});
     LogCapture capture;
     EXPECT_EQ(LumavenService::CheckVideoControllerType(), 0);
     const auto records = capture.Records();

@@ -70,16 +70,18 @@ struct Fault {
     int nth = 0;
 };
 
+// Written with designated initializers, field by field; the three left out most often default
+// to a row that changes no library, injects no fault and arranges nothing.
 struct FaultRow {
     // The fault point the row covers, "path|entry|code" as listed by FaultPoints(); empty for a
     // row that shows a further case of a point already counted.
-    std::string point;
+    std::string point = {};
     Machine machine;
     // Changes to the machine's libraries, "system32 name=file in bin\sim" separated by blanks;
     // "name=" leaves the library out.
-    std::string drivers;
-    std::vector<Fault> faults;
-    Arrange arrange;
+    std::string drivers = {};
+    std::vector<Fault> faults = {};
+    Arrange arrange = Arrange::None;
     Oled before;
     Action action;
     uint32_t status;

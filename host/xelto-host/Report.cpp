@@ -3,6 +3,7 @@
 #include "CommandNames.h"
 #include "FileVersion.h"
 #include "LibraryProbe.h"
+#include "LogListener.h"
 
 #include "xelto/LogSink.h"
 
@@ -31,11 +32,6 @@ struct LogLine {
     Xelto::Logging::Level level;
     std::wstring text;
 };
-
-void CollectLogLine(void* user, Xelto::Logging::Level level, const char*, uint64_t, const wchar_t* text)
-{
-    static_cast<std::vector<LogLine>*>(user)->push_back({level, text});
-}
 
 std::string Utf8(const std::wstring& text)
 {
@@ -179,7 +175,9 @@ void WriteLog(Writer& out, const std::vector<LogLine>& log)
 int RunReport(const std::wstring& dllPath, bool startup)
 {
     std::vector<LogLine> log;
-    Xelto::Logging::SetSink(&CollectLogLine, &log);
+    // Everything the service logs from its loading to its unloading.
+    std::optional<XeltoClient::LogListener> collector;
+    collector.emplace([&log](const XeltoClient::LogLine& line) { log.push_back({line.level, line.text}); });
 
     XeltoClient::LoadedService host;
     std::string reason;
@@ -239,7 +237,7 @@ int RunReport(const std::wstring& dllPath, bool startup)
     out.Key("libraries");
     WriteLibraries(out);
     host.Destroy();
-    Xelto::Logging::SetSink(nullptr, nullptr);
+    collector.reset();
 
     out.Key("log");
     WriteLog(out, log);

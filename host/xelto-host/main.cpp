@@ -2,6 +2,7 @@
 // and display-power events, prints statuses, responses and log lines, and destroys it.
 #include "CommandNames.h"
 #include "FileVersion.h"
+#include "LogListener.h"
 #include "Report.h"
 #include "XeltoClient.h"
 
@@ -12,6 +13,7 @@
 #include <cstdio>
 #include <cwchar>
 #include <fstream>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -46,13 +48,13 @@ void PrintUsage()
                 "Exit code: 0 when the action ran, 2 for wrong arguments, 3 when the service is unavailable.\n");
 }
 
-void PrintLogLine(void*, Xelto::Logging::Level level, const char*, uint64_t, const wchar_t* text)
+void PrintLogLine(const XeltoClient::LogLine& line)
 {
-    std::wstring shown = text;
+    std::wstring shown = line.text;
     while (!shown.empty() && (shown.back() == L'\n' || shown.back() == L'\r')) {
         shown.pop_back();
     }
-    std::printf("  log %s: %ls\n", Xelto::Logging::LevelName(level), shown.c_str());
+    std::printf("  log %s: %ls\n", Xelto::Logging::LevelName(line.level), shown.c_str());
     std::fflush(stdout);
 }
 
@@ -207,8 +209,10 @@ int wmain(int argc, wchar_t** argv)
         std::fprintf(stderr, "xelto-host: wrong arguments for '%ls' (see --help)\n", verb.c_str());
         return kExitUsage;
     }
+    // Heard until the host's end, the DLL's unloading included.
+    std::optional<XeltoClient::LogListener> printer;
     if (!quiet) {
-        Xelto::Logging::SetSink(&PrintLogLine, nullptr);
+        printer.emplace(&PrintLogLine);
     }
 
     // The DLL stays loaded to the host's end, as the Xelto host keeps it.

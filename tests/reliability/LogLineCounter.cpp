@@ -2,17 +2,21 @@
 
 namespace LumavenReliability {
 
-LogLineCounter::LogLineCounter(std::vector<std::wstring> watched) : m_watched(std::move(watched))
+namespace {
+
+std::vector<std::wstring> AtMost(std::vector<std::wstring> texts, size_t count)
 {
-    if (m_watched.size() > kMaxWatched) {
-        m_watched.resize(kMaxWatched);
+    if (texts.size() > count) {
+        texts.resize(count);
     }
-    Xelto::Logging::SetSink(&LogLineCounter::Receive, this);
+    return texts;
 }
 
-LogLineCounter::~LogLineCounter()
+}  // namespace
+
+// The list is cut before the listener, the last member, starts hearing.
+LogLineCounter::LogLineCounter(std::vector<std::wstring> watched) : m_watched(AtMost(std::move(watched), kMaxWatched))
 {
-    Xelto::Logging::SetSink(nullptr, nullptr);
 }
 
 uint64_t LogLineCounter::Count(size_t watchedIndex) const
@@ -30,16 +34,15 @@ uint64_t LogLineCounter::Errors() const
     return m_errors.load();
 }
 
-void LogLineCounter::Receive(void* user, Xelto::Logging::Level level, const char*, uint64_t, const wchar_t* text)
+void LogLineCounter::Receive(const XeltoClient::LogLine& line)
 {
-    auto* self = static_cast<LogLineCounter*>(user);
-    ++self->m_lines;
-    if (level == Xelto::Logging::Level::Error) {
-        ++self->m_errors;
+    ++m_lines;
+    if (line.level == Xelto::Logging::Level::Error) {
+        ++m_errors;
     }
-    for (size_t i = 0; i < self->m_watched.size(); ++i) {
-        if (self->m_watched[i] == text) {
-            ++self->m_counts[i];
+    for (size_t i = 0; i < m_watched.size(); ++i) {
+        if (m_watched[i] == line.text) {
+            ++m_counts[i];
         }
     }
 }

@@ -3,7 +3,7 @@
 // nor loses the lines it wants to count.
 #pragma once
 
-#include "xelto/LogSink.h"
+#include "LogListener.h"
 
 #include <atomic>
 #include <cstdint>
@@ -14,9 +14,8 @@ namespace LumavenReliability {
 
 class LogLineCounter {
 public:
-    // Installs the sink; `watched` are exact rendered texts to count one by one.
+    // Starts listening; `watched` are exact rendered texts to count one by one.
     explicit LogLineCounter(std::vector<std::wstring> watched);
-    ~LogLineCounter();
     LogLineCounter(const LogLineCounter&) = delete;
     LogLineCounter& operator=(const LogLineCounter&) = delete;
 
@@ -25,14 +24,15 @@ public:
     uint64_t Errors() const;
 
 private:
-    static void Receive(void* user, Xelto::Logging::Level level, const char* provider, uint64_t context,
-                        const wchar_t* text);
+    void Receive(const XeltoClient::LogLine& line);
 
     static constexpr size_t kMaxWatched = 4;
     std::vector<std::wstring> m_watched;
     std::atomic<uint64_t> m_counts[kMaxWatched] = {};
     std::atomic<uint64_t> m_lines{0};
     std::atomic<uint64_t> m_errors{0};
+    // Last: it stops hearing before the counters go.
+    XeltoClient::LogListener m_listener{[this](const XeltoClient::LogLine& line) { Receive(line); }};
 };
 
 // The line that marks one re-apply of the panel's "on" sequence after a display-on event.

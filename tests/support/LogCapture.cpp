@@ -5,22 +5,14 @@
 namespace LumavenTest {
 
 LogCapture::LogCapture()
+    : m_listener([this](const XeltoClient::LogLine& line) {
+          std::lock_guard guard(m_lock);
+          m_records.push_back({line.level, line.provider, line.context, line.text});
+      })
 {
-    Xelto::Logging::SetSink(&LogCapture::Receive, this);
 }
 
-LogCapture::~LogCapture()
-{
-    Xelto::Logging::SetSink(nullptr, nullptr);
-}
-
-void LogCapture::Receive(void* user, Xelto::Logging::Level level, const char* provider, uint64_t context,
-                         const wchar_t* text)
-{
-    auto* self = static_cast<LogCapture*>(user);
-    std::lock_guard guard(self->m_lock);
-    self->m_records.push_back({level, provider, context, text});
-}
+LogCapture::~LogCapture() = default;
 
 std::vector<LogRecord> LogCapture::Records() const
 {

@@ -1,7 +1,7 @@
-// Collects the records of the host logging library through its in-process sink.
+// Collects the records of the host logging library, heard through the client's LogListener.
 #pragma once
 
-#include "xelto/LogSink.h"
+#include "LogListener.h"
 
 #include <cstdint>
 #include <mutex>
@@ -31,10 +31,10 @@ public:
     void Clear();
 
 private:
-    static void Receive(void* user, Xelto::Logging::Level level, const char* provider, uint64_t context,
-                        const wchar_t* text);
     mutable std::mutex m_lock;
     std::vector<LogRecord> m_records;
+    // Last: it stops hearing before the records go.
+    XeltoClient::LogListener m_listener;
 };
 
 }  // namespace LumavenTest

@@ -42,9 +42,15 @@ std::vector<Form> Forms()
          L"narrow error: " + kArgument},
         {"LogError wide", [&logger] { logger.LogError(L"wide error: %s", kArgument.c_str()); },
          L"wide error: " + kArgument},
-        {"LogError data", [&logger] { logger.LogError(LoggingData{L"data error: %s", 3, 0}, kArgument.c_str()); },
+        {"LogError data",
+         [&logger] {
+             logger.LogError(LoggingData{L"data error: %s", 3, 0}, kArgument.c_str());
+         },
          L"data error: " + kArgument},
-        {"LogWarning data", [&logger] { logger.LogWarning(LoggingData{L"warning: %s", 4, 0}, kArgument.c_str()); },
+        {"LogWarning data",
+         [&logger] {
+             logger.LogWarning(LoggingData{L"warning: %s", 4, 0}, kArgument.c_str());
+         },
          L"warning: " + kArgument},
     };
 }

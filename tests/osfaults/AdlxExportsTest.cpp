@@ -38,7 +38,8 @@ TEST(AdlxExports, EachOfTheSixMissingMeansNoAdlx)
 {
     LumavenTest::InstallShippedProfile("amd-laptop");
     for (int missing = 0; missing <= kAdlxEntryPoints; ++missing) {
-        SCOPED_TRACE(missing == 0 ? std::string("none missing") : "entry point " + std::to_string(missing) + " missing");
+        SCOPED_TRACE(missing == 0 ? std::string("none missing")
+                                  : "entry point " + std::to_string(missing) + " missing");
         LoadedDll dll;
         ASSERT_TRUE(dll.Loaded());
         std::unique_ptr<LumavenTest::HostedService> hosted = Prepared(Entry::Command);

@@ -51,12 +51,14 @@ failed=0
 report() {
   name=$1
   filter=$2
-  # The Wine prefix inside the tree links back to the home folder and through drive Z: to the
-  # whole file system; the counters are searched for outside it, or another tree's would count.
+  # The counters are searched for in this tree only, and never inside a Wine prefix: a prefix
+  # links back to the home folder and through drive Z: to the whole file system, where other
+  # trees' counters (and /proc) are.
   if ! gcovr --root "$root" --object-directory "$tree" --gcov-executable x86_64-w64-mingw32-gcov \
-    --exclude-directories '.*/wineprefix$' \
+    --exclude-directories '.*/wineprefix$' --exclude-directories '.*/dosdevices$' \
     --filter "$filter" --exclude-throw-branches --exclude-unreachable-branches \
-    --html-details "$report/$name/index.html" --print-summary >"$report/$name/summary.txt" 2>"$report/$name/gcovr.log"; then
+    --html-details "$report/$name/index.html" --print-summary "$tree" >"$report/$name/summary.txt" \
+    2>"$report/$name/gcovr.log"; then
     cat "$report/$name/gcovr.log" >&2
     failed=1
     return

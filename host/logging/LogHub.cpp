@@ -20,11 +20,11 @@ struct Hub {
     std::atomic<bool> hasSink{false};
 };
 
-Hub& TheHub()
-{
-    static Hub hub;
-    return hub;
-}
+// At namespace scope, and constant-initialized (every member has a constant constructor), so
+// that it exists before any call: a function-local static would be built on the first record,
+// behind a first-use guard whose runtime allocates, and the first record of a process may well
+// come from an error path that is logging because memory ran short.
+Hub g_hub;
 
 // The file is named afresh for every record, so a host may switch it while running, and
 // opened in append mode, so several processes can share one log.
@@ -51,7 +51,7 @@ void AppendToLogFile(Level level, const std::string& provider, uint64_t context,
 void SetProviderName(const char* name)
 {
     try {
-        Hub& hub = TheHub();
+        Hub& hub = g_hub;
         std::lock_guard guard(hub.lock);
         hub.provider = name != nullptr ? name : "";
     } catch (...) {
@@ -60,13 +60,13 @@ void SetProviderName(const char* name)
 
 bool AnyoneListening() noexcept
 {
-    return TheHub().hasSink.load() || GetEnvironmentVariableW(L"XELTO_LOG_FILE", nullptr, 0) > 0;
+    return g_hub.hasSink.load() || GetEnvironmentVariableW(L"XELTO_LOG_FILE", nullptr, 0) > 0;
 }
 
 void Publish(Level level, uint64_t context, const std::wstring& text) noexcept
 {
     try {
-        Hub& hub = TheHub();
+        Hub& hub = g_hub;
         std::lock_guard guard(hub.lock);
         if (hub.sink != nullptr) {
             hub.sink(hub.sinkUser, level, hub.provider.c_str(), context, text.c_str());
@@ -79,7 +79,7 @@ void Publish(Level level, uint64_t context, const std::wstring& text) noexcept
 void SetSink(SinkFunction sink, void* user)
 {
     try {
-        Hub& hub = TheHub();
+        Hub& hub = g_hub;
         std::lock_guard guard(hub.lock);
         hub.sink = sink;
         hub.sinkUser = user;

@@ -136,8 +136,8 @@ PublicWmi::PublicWmi(const wchar_t* wmiNamespace)
 
 void PublicWmi::Warn(const char* operation, const wchar_t* label, HRESULT result) const
 {
-    m_logger->LogWarning(LoggingData{kWarning, reinterpret_cast<uint64_t>(kNoContext), 0}, m_typeName, operation, label,
-                         static_cast<uint32_t>(result));
+    m_logger->LogWarning(LoggingData{kWarning, reinterpret_cast<uint64_t>(kNoContext), 0}, m_typeName.c_str(),
+                         operation, label, static_cast<uint32_t>(result));
 }
 
 ComPtr<IWbemServices> PublicWmi::ConnectToWmi(uint32_t& status)

@@ -13,6 +13,7 @@
 #include <wrl/client.h>
 
 #include <cstdint>
+#include <string>
 
 namespace Xelto::Spanlet::Server::Shared::WMI {
 
@@ -60,7 +61,7 @@ private:
     void Warn(const char* operation, const wchar_t* label, HRESULT result) const;
 
     TraceLogger* m_logger;
-    const char* m_typeName;
+    std::string m_typeName;
     const wchar_t* m_namespace;
 };
 

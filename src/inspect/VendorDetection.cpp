@@ -52,8 +52,8 @@ int32_t LumavenService::CheckVideoControllerType()
         document.SetObject();
         if (wmi.GetPropertyValue(L"Win32_VideoController", L"Name", document) != StatusSuccess) {
             LogManager::GetLogger()->LogError(L"%S - Failed to retrieve video controller information", kQualifiedName);
-        } else if (const JsonValue& names = MemberOrNull(document, L"result"); names.IsArray()) {
-            result = VendorFromControllerNames(ControllerNames(names));
+        } else if (const JsonValue* names = MemberValue(document, L"result"); names != nullptr && names->IsArray()) {
+            result = VendorFromControllerNames(ControllerNames(*names));
         }
         LogManager::GetLogger()->LogInfo(L"%S - The current video controller is %d", kQualifiedName, result);
     } catch (const std::exception& caught) {

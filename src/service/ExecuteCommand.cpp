@@ -148,7 +148,7 @@ uint32_t LumavenService::ExecuteCommand(CallContext* context, uint32_t command, 
         result = entry->invoke(*this, &request, &response, contextWord, extra);
     } else {
         result = StatusUnsupportedCommand;
-        m_logger->LogError(LoggingData{L"%S.%S - Unsupported Function call %d", contextWord, 0}, m_typeName,
+        m_logger->LogError(LoggingData{L"%S.%S - Unsupported Function call %d", contextWord, 0}, m_typeName.c_str(),
                            "ExecuteCommand", command);
     }
 

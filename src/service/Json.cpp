@@ -9,12 +9,6 @@ namespace {
 // Member names are short constants; the bound only keeps a bad pointer from running away.
 constexpr size_t kMaxMemberNameChars = 1024;
 
-const JsonValue& NullValue()
-{
-    static const JsonValue null;
-    return null;
-}
-
 }  // namespace
 
 bool ParseRequest(Document& document, const wchar_t* text)
@@ -35,31 +29,28 @@ void WriteCompact(const Document& document, JsonText& out)
     document.Accept(writer);
 }
 
-bool HasMember(const JsonValue& value, const wchar_t* name)
+const JsonValue* MemberValue(const JsonValue& value, const wchar_t* name)
 {
     if (!value.IsObject() || name == nullptr) {
-        return false;
+        return nullptr;
     }
     const auto length = static_cast<rapidjson::SizeType>(wcsnlen(name, kMaxMemberNameChars));
-    return value.FindMember(rapidjson::GenericStringRef<wchar_t>(name, length)) != value.MemberEnd();
+    const auto member = value.FindMember(rapidjson::GenericStringRef<wchar_t>(name, length));
+    return member != value.MemberEnd() ? &member->value : nullptr;
 }
 
-const JsonValue& MemberOrNull(const JsonValue& value, const wchar_t* name)
+bool HasMember(const JsonValue& value, const wchar_t* name)
 {
-    if (!HasMember(value, name)) {
-        return NullValue();
-    }
-    const auto length = static_cast<rapidjson::SizeType>(wcsnlen(name, kMaxMemberNameChars));
-    return value.FindMember(rapidjson::GenericStringRef<wchar_t>(name, length))->value;
+    return MemberValue(value, name) != nullptr;
 }
 
 BValue ReadBValue(const Document& request)
 {
-    const JsonValue& value = MemberOrNull(request, L"BValue");
-    if (value.IsNull()) {
+    const JsonValue* value = MemberValue(request, L"BValue");
+    if (value == nullptr || value->IsNull()) {
         return BValue::Missing;
     }
-    return value.IsTrue() ? BValue::On : BValue::Off;
+    return value->IsTrue() ? BValue::On : BValue::Off;
 }
 
 void AddBool(Document& response, const wchar_t* name, bool value)

@@ -25,8 +25,8 @@ void WriteCompact(const Document& document, JsonText& out);
 
 // Whether `value` is an object with a member of that name.
 bool HasMember(const JsonValue& value, const wchar_t* name);
-// The member's value, or a shared null value when `value` has no such member.
-const JsonValue& MemberOrNull(const JsonValue& value, const wchar_t* name);
+// The member's value, or null when `value` is not an object or has no such member.
+const JsonValue* MemberValue(const JsonValue& value, const wchar_t* name);
 
 // The "BValue" of a set command: only the JSON literal true counts as on; a missing member
 // or a JSON null is a malformed request.

@@ -16,6 +16,7 @@
 #include <exception>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <utility>
 
 namespace Xelto::Spanlet::Server::Services::Lumaven {
@@ -69,7 +70,7 @@ public:
 
     // The members are shared by handlers that live in the files of their subsystems.
     TraceLogger* m_logger = nullptr;
-    const char* m_typeName = nullptr;
+    std::string m_typeName;
     std::unique_ptr<AuxDataMap> m_auxData;
     int32_t m_videoController = 0;
     PanelId m_panelId = 0;

@@ -12,7 +12,7 @@ uint32_t UtilHelper::NullChecker(const std::vector<std::pair<const void*, const 
     for (const auto& [pointer, name] : params) {
         if (pointer == nullptr) {
             LogManager::GetLogger()->LogWarning(LoggingData{L"%S.%S - %S cannot be null", contextWord, 0},
-                                                LumavenUtil::TypeNameOf<UtilHelper>(), "NullChecker", name);
+                                                LumavenUtil::TypeNameOf<UtilHelper>().c_str(), "NullChecker", name);
             failed = 1;
         }
     }

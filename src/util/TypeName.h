@@ -32,12 +32,13 @@ inline std::string UndecoratedClassName(const std::type_info& type)
 #endif
 }
 
-// The undecorated name of a class, made once and kept for the life of the module.
+// The undecorated name of a class. Made on each call, not kept in a function-local static:
+// such a static's first-use guard runs through the thread runtime's once-object, which
+// crashes when its allocation fails, and the first call may come when memory is short.
 template <class T>
-const char* TypeNameOf()
+std::string TypeNameOf()
 {
-    static const std::string name = UndecoratedClassName(typeid(T));
-    return name.c_str();
+    return UndecoratedClassName(typeid(T));
 }
 
 }  // namespace LumavenUtil

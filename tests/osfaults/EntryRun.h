@@ -45,9 +45,8 @@ std::string Narrow(const std::wstring& text);
 
 // The shipped DLL loaded with its imports patched. Its runtime keeps a few blocks for as long
 // as the thread or the process lives, made on first use: the first exception thrown on a
-// thread makes its per-thread blocks, the first function-local static made makes the lock
-// that guards them all. One failed factory call and one service made make them before
-// anything is counted.
+// thread makes its per-thread blocks. One failed factory call and one service made make them
+// before anything is counted. (That first use failing for want of memory is FirstUse's case.)
 class LoadedDll {
 public:
     LoadedDll();

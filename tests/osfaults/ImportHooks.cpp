@@ -263,6 +263,24 @@ Handles& DllHandles()
     return handles;
 }
 
+struct Loads {
+    std::mutex lock;
+    std::vector<LibraryLoad> asked;
+};
+
+Loads& DllLoads()
+{
+    static Loads loads;
+    return loads;
+}
+
+void Asked(LPCWSTR name, HANDLE file, DWORD flags)
+{
+    Loads& loads = DllLoads();
+    const std::lock_guard guard(loads.lock);
+    loads.asked.push_back({name != nullptr ? name : L"(null)", file != nullptr, flags});
+}
+
 void Take(HandleKind kind, void* handle, std::string name = {})
 {
     Handles& handles = DllHandles();
@@ -352,6 +370,7 @@ BOOL WINAPI HookedDestroyDeviceList(HDEVINFO set)
 
 HMODULE WINAPI HookedLoadLibraryEx(LPCWSTR name, HANDLE file, DWORD flags)
 {
+    Asked(name, file, flags);
     const HMODULE module = LoadLibraryEx::Call(name, file, flags);
     if (module != nullptr) {
         Take(HandleKind::Library, module, FileNameOf(module));
@@ -361,6 +380,7 @@ HMODULE WINAPI HookedLoadLibraryEx(LPCWSTR name, HANDLE file, DWORD flags)
 
 HMODULE WINAPI HookedLoadLibrary(LPCWSTR name)
 {
+    Asked(name, nullptr, 0);
     const HMODULE module = LoadLibraryPlain::Call(name);
     if (module != nullptr) {
         Take(HandleKind::Library, module, FileNameOf(module));
@@ -672,6 +692,20 @@ HeldHandles Held()
         }
     }
     return held;
+}
+
+std::vector<LibraryLoad> LibraryLoads()
+{
+    Loads& loads = DllLoads();
+    const std::lock_guard guard(loads.lock);
+    return loads.asked;
+}
+
+void ForgetLibraryLoads()
+{
+    Loads& loads = DllLoads();
+    const std::lock_guard guard(loads.lock);
+    loads.asked.clear();
 }
 
 void ForgetHeld()

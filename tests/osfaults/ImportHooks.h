@@ -97,6 +97,17 @@ HeldHandles Held();
 // Forgets every handle counted so far (handles taken before a test are not its own).
 void ForgetHeld();
 
+// Every library the DLL asked the loader for, in order, as it asked: the name or path, whether
+// a file handle was passed, and the search flags (LoadLibraryW's as 0).
+struct LibraryLoad {
+    std::wstring name;
+    bool withFile = false;
+    DWORD flags = 0;
+    bool operator==(const LibraryLoad&) const = default;
+};
+std::vector<LibraryLoad> LibraryLoads();
+void ForgetLibraryLoads();
+
 // Hostile but legal answers of a working system, for the paths that only such answers reach.
 // Each stays in force until changed; DisarmAll resets them all.
 // - IWbemClassObject::Get hands a string property back as an array of that one string, as a

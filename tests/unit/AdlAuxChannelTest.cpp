@@ -462,3 +462,35 @@ TEST_F(AdlAuxChannel, ServiceDestructorReleasesWhatAFailedWriteLeftLoaded)
     EXPECT_EQ(RecordsOf("ADL2_Main_Control_Destroy").size(), 1u);
     EXPECT_EQ(StateNumber("amd", "unloads"), 1);
 }
+
+TEST_F(AdlAuxChannel, NegativeAdapterCountIsNoAdapterAtAll)
+{
+    // A count below zero is ADL failing without saying so: no buffer is asked for, nothing is
+    // refused as too large, and the binding is released as after zero adapters.
+    InstallProfile(
+        Laptop({Adapter(0, {Display(3, 0)})}, R"({"atiadlxx.dll":"atiadlxx.dll"})",
+               R"(,"counts":[{"function":"ADL2_Adapter_NumberOfAdapters_Get","call":"count","answer":-1}])"));
+    m_capture.Clear();
+    EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+    EXPECT_EQ(Logged(), std::vector<std::wstring>{L"nAdapter count=-1"});
+    EXPECT_EQ(Calls(), (std::vector<std::string>{"ADL2_Main_Control_Create", "ADL2_Adapter_NumberOfAdapters_Get",
+                                                 "ADL2_Main_Control_Destroy"}));
+    EXPECT_EQ(StateNumber("amd", "unloads"), 1);
+}
+
+TEST_F(AdlAuxChannel, AnEmptyDisplayListWithoutABufferPassesToTheNextAdapter)
+{
+    // ADL answers OK with no display and no list for the first adapter: nothing to free, nothing
+    // to read, and the second adapter's panel is still written.
+    InstallProfile(
+        Laptop({Adapter(0, {Display(3, 0)}), Adapter(1, {Display(3, 1)})}, R"({"atiadlxx.dll":"atiadlxx.dll"})",
+               R"(,"counts":[{"function":"ADL2_Display_DisplayInfo_Get","call":"count","answer":0,"nth":1}])"));
+    m_capture.Clear();
+    EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+    EXPECT_EQ(Logged(), (std::vector<std::wstring>{L"nAdapter count=2", L"display count=0", L"display count=1",
+                                                   L"Write AUX data"}));
+    const auto edid = RecordsOf("ADL2_Display_EdidData_Get");
+    ASSERT_EQ(edid.size(), 1u);
+    EXPECT_EQ(Number(edid[0], "adapter"), 1);
+    EXPECT_EQ(RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(), 5u);
+}

@@ -46,7 +46,7 @@ TEST(Json, MissingOrNullBValueIsTheFailedCheck)
     EXPECT_EQ(BValueOf(L"\"BValue\""), BValue::Missing);
 }
 
-TEST(Json, HasMemberAndMemberOrNullOnAnyValue)
+TEST(Json, HasMemberAndMemberValueOnAnyValue)
 {
     Document request;
     ASSERT_TRUE(ParseRequest(request, L"{\"a\":1,\"b\":null}"));
@@ -54,12 +54,16 @@ TEST(Json, HasMemberAndMemberOrNullOnAnyValue)
     EXPECT_TRUE(HasMember(request, L"b"));
     EXPECT_FALSE(HasMember(request, L"c"));
     EXPECT_FALSE(HasMember(request, nullptr));
-    EXPECT_EQ(MemberOrNull(request, L"a").GetInt(), 1);
-    EXPECT_TRUE(MemberOrNull(request, L"c").IsNull());
+    ASSERT_NE(MemberValue(request, L"a"), nullptr);
+    EXPECT_EQ(MemberValue(request, L"a")->GetInt(), 1);
+    ASSERT_NE(MemberValue(request, L"b"), nullptr);
+    EXPECT_TRUE(MemberValue(request, L"b")->IsNull());
+    EXPECT_EQ(MemberValue(request, L"c"), nullptr);
+    EXPECT_EQ(MemberValue(request, nullptr), nullptr);
     Document array;
     ASSERT_TRUE(ParseRequest(array, L"[1]"));
     EXPECT_FALSE(HasMember(array, L"a"));
-    EXPECT_TRUE(MemberOrNull(array, L"a").IsNull());
+    EXPECT_EQ(MemberValue(array, L"a"), nullptr);
 }
 
 TEST(Json, ParserFollowsTheDefaultRules)

@@ -90,6 +90,19 @@ TEST(Logging, LongRecordsAreRenderedWhole)
     EXPECT_EQ(Only(capture), L"<" + big + L">");
 }
 
+// The formatter fills a stack buffer of 512 characters first, then a heap buffer of 2048 that
+// doubles; a record exactly as long as either buffer has no room left for its terminator and
+// must still come out whole, as must its neighbours.
+TEST(Logging, RecordsAsLongAsARenderBufferAreWhole)
+{
+    for (const size_t length : {511u, 512u, 513u, 2047u, 2048u, 2049u}) {
+        LogCapture capture;
+        const std::wstring text(length, L'y');
+        Logger().LogInfo(L"%s", text.c_str());
+        EXPECT_EQ(Only(capture), text) << length << " characters";
+    }
+}
+
 TEST(Logging, NullFormatsAreIgnoredWithoutCrashing)
 {
     LogCapture capture;
@@ -197,12 +210,13 @@ TEST(Logging, FileSinkEscapesEveryControlCharacterAndKeepsLoneSurrogates)
 {
     const LogFile file(L"xelto-log-escapes.jsonl");
     LogManager::SetProvider("quote\"back\\slash\x01");
-    Logger().LogInfo(L"%s", L"\b\f\r\n\t \u20AC \xD800x \xDC00 end\xD83D");
+    Logger().LogInfo(L"%s", L"\b\f\r\n\t \u20AC \xD800x \xDC00 \xD83D\xE000 end\xD83D");
     LogManager::SetProvider("Xelto-Spanlet-SystemInformation");
     const std::vector<std::string> lines = file.Lines();
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_EQ(lines[0], std::string(R"({"level":"INFO","provider":"quote\"back\\slash\u0001","context":0,)") +
-                            R"("text":"\b\f\r\n\t )" + "\xE2\x82\xAC" + R"( \uD800x \uDC00 end\uD83D"})");
+                            R"("text":"\b\f\r\n\t )" + "\xE2\x82\xAC" + R"( \uD800x \uDC00 \uD83D)" + "\xEE\x80\x80" +
+                            R"( end\uD83D"})");
 }
 
 TEST(Logging, ANullProviderNameIsEmpty)
@@ -239,6 +253,15 @@ TEST(Logging, RecordsBeyondAMebiCharacterAreCut)
     const std::wstring text = Only(capture);
     EXPECT_EQ(text.size(), 1u << 20);
     EXPECT_EQ(text, huge.substr(0, 1u << 20));
+}
+
+// A level number the library does not know (a newer host's, say) is named as the default one.
+TEST(Logging, AnUnknownLevelIsNamedInfo)
+{
+    EXPECT_STREQ(Xelto::Logging::LevelName(Level::Warning), "WARNING");
+    EXPECT_STREQ(Xelto::Logging::LevelName(Level::Error), "ERROR");
+    EXPECT_STREQ(Xelto::Logging::LevelName(Level::Info), "INFO");
+    EXPECT_STREQ(Xelto::Logging::LevelName(static_cast<Level>(7)), "INFO");
 }
 
 TEST(Logging, NothingIsRenderedWhileNobodyListens)

@@ -20,7 +20,7 @@ namespace Profile = LumavenSim::Profile;
 TEST(ServiceObject, TypeNameReadsAsTheWindowsCompilerPrintsIt)
 {
     LumavenService service;
-    EXPECT_STREQ(service.m_typeName, "class Xelto::Spanlet::Server::Services::Lumaven::LumavenService");
+    EXPECT_EQ(service.m_typeName, "class Xelto::Spanlet::Server::Services::Lumaven::LumavenService");
     EXPECT_EQ(service.m_logger, LogManager::GetLogger());
     EXPECT_EQ(service.m_videoController, 0);
     EXPECT_EQ(service.m_panelId, 0u);

@@ -1,0 +1,71 @@
+// ADLX is taken only with all six of its entry points, also the two initialisations the service
+// never calls: a library that lacks any of them is not the ADLX the service is built for. Each
+// one missing in turn (its lookup answers "procedure not found"), command 10 on the AMD laptop
+// must answer false without calling into the library at all.
+#include "EntryRun.h"
+#include "ImportHooks.h"
+#include "SimMachine.h"
+#include "SimState.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace LumavenOsFaults;
+
+constexpr int kAdlxEntryPoints = 6;
+
+// The calls the simulated drivers logged whose name starts with `prefix`.
+std::vector<std::string> CallsStartingWith(const std::string& prefix)
+{
+    std::vector<std::string> calls;
+    for (const auto& record : LumavenTest::Transactions()) {
+        const std::string call = record["call"].GetString();
+        if (call.rfind(prefix, 0) == 0) {
+            calls.push_back(call);
+        }
+    }
+    return calls;
+}
+
+TEST(AdlxExports, EachOfTheSixMissingMeansNoAdlx)
+{
+    LumavenTest::InstallShippedProfile("amd-laptop");
+    for (int missing = 0; missing <= kAdlxEntryPoints; ++missing) {
+        SCOPED_TRACE(missing == 0 ? std::string("none missing")
+                                  : "entry point " + std::to_string(missing) + " missing");
+        LoadedDll dll;
+        ASSERT_TRUE(dll.Loaded());
+        std::unique_ptr<LumavenTest::HostedService> hosted = Prepared(Entry::Command);
+        LumavenSim::ClearTransactions();
+        Hook* lookup = FindHook("GetProcAddress");
+        ASSERT_NE(lookup, nullptr);
+        lookup->ResetCounts();
+        if (missing > 0) {
+            lookup->Arm(Failure{missing, false, 0, ERROR_PROC_NOT_FOUND});
+        }
+        const Outcome outcome = RunEntry(Entry::Command, 10, L"{}", hosted);
+        const int lookups = lookup->Calls();
+        DisarmAll();
+        SkipWaits();
+
+        EXPECT_EQ(lookups, kAdlxEntryPoints) << "one lookup for each entry point, the missing one's too";
+        EXPECT_EQ(outcome.call.status, 0u) << outcome.Describe();
+        if (missing == 0) {
+            EXPECT_EQ(outcome.call.response, L"{\"result\":true}");
+            EXPECT_FALSE(CallsStartingWith("ADLX").empty());
+        } else {
+            EXPECT_EQ(outcome.call.response, L"{\"result\":false}");
+            EXPECT_EQ(CallsStartingWith("ADLX"), std::vector<std::string>{}) << "the library was called";
+        }
+        EXPECT_EQ(outcome.logs, std::vector<std::wstring>{});
+    }
+}
+
+}  // namespace

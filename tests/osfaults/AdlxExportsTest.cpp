@@ -25,8 +25,7 @@ constexpr int kAdlxEntryPoints = 6;
 std::vector<std::string> CallsStartingWith(const std::string& prefix)
 {
     std::vector<std::string> calls;
-    for (const auto& record : LumavenTest::Transactions()) {
-        const std::string call = record["call"].GetString();
+    for (const std::string& call : LumavenSim::TransactionLog::Read().CallNames()) {
         if (call.rfind(prefix, 0) == 0) {
             calls.push_back(call);
         }

@@ -39,15 +39,16 @@ Profile::AmdAdapter Adapter(int adapterIndex, std::vector<Profile::AmdDisplay> d
     return {.adapterIndex = adapterIndex, .displays = std::move(displays)};
 }
 
-// A laptop with these adapters, the given ADL library files and faults.
+// A laptop with these adapters, the given ADL library files, faults and counts.
 Profile::Machine Laptop(std::vector<Profile::AmdAdapter> adapters,
                         Libraries libraries = {{"atiadlxx.dll", "atiadlxx.dll"}},
-                        std::vector<Profile::Fault> faults = {})
+                        std::vector<Profile::Fault> faults = {}, std::vector<Profile::Count> counts = {})
 {
     return {.monitors = {{.panel = Panels::kSdc416C}},
             .libraries = std::move(libraries),
             .amd = Profile::Amd{.adapters = std::move(adapters)},
-            .faults = std::move(faults)};
+            .faults = std::move(faults),
+            .counts = std::move(counts)};
 }
 
 std::vector<AuxWrite> OnSequence(PanelId panel)
@@ -467,9 +468,8 @@ TEST_F(AdlAuxChannel, NegativeAdapterCountIsNoAdapterAtAll)
 {
     // A count below zero is ADL failing without saying so: no buffer is asked for, nothing is
     // refused as too large, and the binding is released as after zero adapters.
-    InstallProfile(
-        Laptop({Adapter(0, {Display(3, 0)})}, R"({"atiadlxx.dll":"atiadlxx.dll"})",
-               R"(,"counts":[{"function":"ADL2_Adapter_NumberOfAdapters_Get","call":"count","answer":-1}])"));
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx.dll"}}, {},
+                          {{.function = "ADL2_Adapter_NumberOfAdapters_Get", .call = "count", .answer = -1}}));
     m_capture.Clear();
     EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_EQ(Logged(), std::vector<std::wstring>{L"nAdapter count=-1"});
@@ -482,9 +482,9 @@ TEST_F(AdlAuxChannel, AnEmptyDisplayListWithoutABufferPassesToTheNextAdapter)
 {
     // ADL answers OK with no display and no list for the first adapter: nothing to free, nothing
     // to read, and the second adapter's panel is still written.
-    InstallProfile(
-        Laptop({Adapter(0, {Display(3, 0)}), Adapter(1, {Display(3, 1)})}, R"({"atiadlxx.dll":"atiadlxx.dll"})",
-               R"(,"counts":[{"function":"ADL2_Display_DisplayInfo_Get","call":"count","answer":0,"nth":1}])"));
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0)}), Adapter(1, {Display(3, 1)})},
+                          {{"atiadlxx.dll", "atiadlxx.dll"}}, {},
+                          {{.function = "ADL2_Display_DisplayInfo_Get", .call = "count", .answer = 0, .nth = 1}}));
     m_capture.Clear();
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_EQ(Logged(), (std::vector<std::wstring>{L"nAdapter count=2", L"display count=0", L"display count=1",

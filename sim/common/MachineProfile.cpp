@@ -5,6 +5,7 @@
 #include "LumavenRapidJson.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace LumavenSim {
 
@@ -188,6 +189,22 @@ std::string Machine::Json() const
     }
     out.EndObject();
     return text.GetString();
+}
+
+Machine IntelLaptop(PanelIdentity panel, std::vector<IntelAdapter> adapters)
+{
+    return {.monitors = {{.panel = panel}},
+            .gpuName = kIntelGpuName,
+            .libraries = {{"dxgi.dll", "dxgi.dll"}, {"ControlLib.dll", "ControlLib.dll"}},
+            .intel = Intel{.adapters = std::move(adapters)}};
+}
+
+Machine AmdLaptop(PanelIdentity panel)
+{
+    return {.monitors = {{.panel = panel}},
+            .gpuName = kAmdGpuName,
+            .libraries = {{"dxgi.dll", "dxgi.dll"}, {"atiadlxx.dll", "atiadlxx.dll"}},
+            .amd = Amd{.adapters = {{.adapterIndex = 0, .displays = {{.infoValue = 3, .panel = panel}}}}}};
 }
 
 void Arm(const std::vector<Fault>& faults, const std::vector<Count>& counts)

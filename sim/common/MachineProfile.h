@@ -100,6 +100,16 @@ struct Machine {
     std::string Json() const;
 };
 
+inline constexpr char kIntelGpuName[] = "Intel(R) Iris(R) Xe Graphics";
+inline constexpr char kAmdGpuName[] = "AMD Radeon(TM) Graphics";
+
+// The two laptops most machines start from. Intel: the panel as the monitor, the Intel GPU,
+// dxgi.dll and ControlLib.dll, and these adapters.
+Machine IntelLaptop(PanelIdentity panel, std::vector<IntelAdapter> adapters);
+// AMD: the panel as the monitor and as ADL's adapter 0, display 0 (connected and mapped), the
+// AMD GPU, dxgi.dll and atiadlxx.dll; no ADLX.
+Machine AmdLaptop(PanelIdentity panel);
+
 // Gives the installed machine these faults and counts in place of its own, and counts every
 // function's calls from now on: for a test that arranges the machine first and arms the
 // faults for what follows.

@@ -74,29 +74,24 @@ Profile::IntelOutput IntelOutput(uint32_t dpstEnabled, std::map<std::string, std
 
 Profile::Machine IntelProfile(LumavenSim::PanelIdentity panel, std::vector<Profile::IntelAdapter> adapters)
 {
-    return {.monitors = {{.panel = panel}},
-            .gpuName = "Intel(R) Iris(R) Xe Graphics",
-            .gpuVendorId = "8086",
-            .gpuDeviceId = "9A49",
-            .libraries = {{"dxgi.dll", "dxgi.dll"}, {"ControlLib.dll", "ControlLib.dll"}},
-            .intel = Profile::Intel{.adapters = std::move(adapters)}};
+    Profile::Machine machine = Profile::IntelLaptop(panel, std::move(adapters));
+    machine.gpuVendorId = "8086";
+    machine.gpuDeviceId = "9A49";
+    return machine;
 }
 
 Profile::Machine AmdProfile(bool panelOn)
 {
-    return {
-        .monitors = {{.panel = LumavenSim::Panels::kSdc416C}},
-        .gpuName = "AMD Radeon(TM) Graphics",
-        .gpuVendorId = "1002",
-        .gpuDeviceId = "1638",
-        .libraries = {{"dxgi.dll", "dxgi.dll"}, {"atiadlxx.dll", "atiadlxx.dll"}, {"amdadlx64.dll", "amdadlx64.dll"}},
-        .amd = Profile::Amd{.adapters = {{.adapterIndex = 0,
-                                          .displays = {{.infoValue = 3,
-                                                        .logicalAdapterIndex = 0,
-                                                        .panel = LumavenSim::Panels::kSdc416C,
-                                                        .dpcd = {{"0x045A", panelOn ? 192 : 0}}}}}}},
-        .adlx = Profile::Adlx{
-            .displays = {{.varibrightSupported = true, .varibrightEnabled = panelOn, .varibrightMode = "balanced"}}}};
+    Profile::Machine machine = Profile::AmdLaptop(LumavenSim::Panels::kSdc416C);
+    machine.gpuVendorId = "1002";
+    machine.gpuDeviceId = "1638";
+    machine.libraries["amdadlx64.dll"] = "amdadlx64.dll";
+    Profile::AmdDisplay& display = machine.amd->adapters[0].displays[0];
+    display.logicalAdapterIndex = 0;
+    display.dpcd = {{"0x045A", panelOn ? 192 : 0}};
+    machine.adlx = Profile::Adlx{
+        .displays = {{.varibrightSupported = true, .varibrightEnabled = panelOn, .varibrightMode = "balanced"}}};
+    return machine;
 }
 
 MachineSetup Setup(Machine machine)

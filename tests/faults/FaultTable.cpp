@@ -252,7 +252,6 @@ const Machine kIntelOff = Machine::IntelOpstOff;
 const Machine kIntelOn = Machine::IntelOpstOn;
 const Machine kAmdM = Machine::AmdPanelOff;
 const Machine kAmdOnM = Machine::AmdPanelOn;
-const Arrange kNone = Arrange::None;
 const Arrange kAdlxReady = Arrange::AdlxInitialized;
 
 // Library variants of the machines.

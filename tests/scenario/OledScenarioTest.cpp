@@ -234,12 +234,7 @@ TEST_F(AmdLaptop, PowerSaveOffReportsVaribrightThenThePanel)
 
 TEST_F(AmdLaptop, PowerSaveOffWithoutAdlxStillSwitchesThePanel)
 {
-    LumavenTest::InstallProfile(LumavenSim::Profile::Machine{
-        .monitors = {{.panel = LumavenSim::Panels::kSdc416C}},
-        .gpuName = "AMD Radeon(TM) Graphics",
-        .libraries = {{"dxgi.dll", "dxgi.dll"}, {"atiadlxx.dll", "atiadlxx.dll"}},
-        .amd = LumavenSim::Profile::Amd{
-            .adapters = {{.adapterIndex = 0, .displays = {{.infoValue = 3, .panel = LumavenSim::Panels::kSdc416C}}}}}});
+    LumavenTest::InstallProfile(LumavenSim::Profile::AmdLaptop(LumavenSim::Panels::kSdc416C));
     HostedService host;
     const auto off = host.Run(12);
     EXPECT_EQ(off.status, kSuccess);

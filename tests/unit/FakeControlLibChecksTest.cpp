@@ -314,13 +314,9 @@ TEST_F(FakeControlLibChecks, RefusalsAreLoggedWithTheirArgumentsAndNothingElseIs
 // Every Intel command of the service, on a panel with OPST: not one record is refused.
 TEST_F(FakeControlLibChecks, EveryRecordTheServiceSendsIsAccepted)
 {
-    LumavenTest::InstallProfile(LumavenSim::Profile::Machine{
-        .monitors = {{.panel = LumavenSim::Panels::kSdc4174}},
-        .gpuName = "Intel(R) Iris(R) Xe Graphics",
-        .libraries = {{"dxgi.dll", "dxgi.dll"}, {"ControlLib.dll", "ControlLib.dll"}},
-        .intel = LumavenSim::Profile::Intel{
-            .adapters = {
-                {.outputs = {{.attached = true, .dpstSupported = true, .opstSupported = true, .dpstEnabled = 0}}}}}});
+    LumavenTest::InstallProfile(LumavenSim::Profile::IntelLaptop(
+        LumavenSim::Panels::kSdc4174,
+        {{.outputs = {{.attached = true, .dpstSupported = true, .opstSupported = true, .dpstEnabled = 0}}}}));
     auto service = std::make_unique<LumavenService>();
     service->startup_task();
     ASSERT_EQ(service->m_videoController, kVendorIntel);

@@ -50,12 +50,11 @@ protected:
     void Machine(LumavenSim::PanelIdentity panel, Profile::Intel intel, std::vector<Profile::Fault> faults = {},
                  const std::string& library = "ControlLib.dll")
     {
-        Profile::Machine machine{.monitors = {{.panel = panel}},
-                                 .gpuName = "Intel(R) Iris(R) Xe Graphics",
-                                 .libraries = {{"dxgi.dll", "dxgi.dll"}},
-                                 .intel = std::move(intel),
-                                 .faults = std::move(faults)};
-        if (!library.empty()) {
+        Profile::Machine machine = Profile::IntelLaptop(panel, std::move(intel.adapters));
+        machine.faults = std::move(faults);
+        if (library.empty()) {
+            machine.libraries.erase("ControlLib.dll");
+        } else {
             machine.libraries["ControlLib.dll"] = library;
         }
         LumavenTest::InstallProfile(machine);

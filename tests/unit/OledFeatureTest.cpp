@@ -36,8 +36,6 @@ const char kIntelGpu[] = "Intel(R) Iris(R) Xe Graphics";
 const char kAmdGpu[] = "AMD Radeon(TM) Graphics";
 const Libraries kDxgi{{"dxgi.dll", "dxgi.dll"}};
 const Libraries kIntelDrivers{{"dxgi.dll", "dxgi.dll"}, {"ControlLib.dll", "ControlLib.dll"}};
-const Libraries kAmdDrivers{
-    {"dxgi.dll", "dxgi.dll"}, {"atiadlxx.dll", "atiadlxx.dll"}, {"amdadlx64.dll", "amdadlx64.dll"}};
 
 // A machine with one monitor of this panel, this GPU and these vendor libraries.
 Profile::Machine Machine(LumavenSim::PanelIdentity panel, const std::string& gpu, const Libraries& libraries)
@@ -57,9 +55,10 @@ Profile::Machine WithIntel(Profile::Machine machine, const Profile::IntelOutput&
 // An AMD laptop: the panel on ADL's adapter 0, display 0, and ADLX's display with VariBright off.
 Profile::Machine AmdLaptop(LumavenSim::PanelIdentity panel)
 {
-    Profile::Machine machine = Machine(panel, kAmdGpu, kAmdDrivers);
-    machine.amd =
-        Profile::Amd{.adapters = {{.adapterIndex = 0, .displays = {{.infoValue = 3, .panel = Panels::kSdc416C}}}}};
+    // ADL's display always carries panel 416C; the monitor the service identifies is `panel`.
+    Profile::Machine machine = Profile::AmdLaptop(Panels::kSdc416C);
+    machine.monitors = {{.panel = panel}};
+    machine.libraries["amdadlx64.dll"] = "amdadlx64.dll";
     machine.adlx = Profile::Adlx{.displays = {{.varibrightSupported = true, .varibrightEnabled = false}}};
     return machine;
 }

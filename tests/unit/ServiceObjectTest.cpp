@@ -128,13 +128,9 @@ TEST(ServiceObject, CreateStringRefusesTextsOverSixtyFourCharactersWithoutTrunca
 TEST(ServiceObject, DeletingTheServiceUnloadsWhatAnInterruptedAdlWriteLeftLoaded)
 {
     // ADL cannot count the adapters, so the ELP write stops early with the library loaded.
-    InstallProfile(Profile::Machine{
-        .monitors = {{.panel = Panels::kSdc416C}},
-        .gpuName = "AMD Radeon(TM) Graphics",
-        .libraries = {{"dxgi.dll", "dxgi.dll"}, {"atiadlxx.dll", "atiadlxx.dll"}},
-        .amd =
-            Profile::Amd{.adapters = {{.adapterIndex = 0, .displays = {{.infoValue = 3, .panel = Panels::kSdc416C}}}}},
-        .faults = {{.function = "ADL2_Adapter_NumberOfAdapters_Get", .code = -1}}});
+    Profile::Machine machine = Profile::AmdLaptop(Panels::kSdc416C);
+    machine.faults = {{.function = "ADL2_Adapter_NumberOfAdapters_Get", .code = -1}};
+    InstallProfile(machine);
     ASSERT_EQ(GetModuleHandleW(L"atiadlxx.dll"), nullptr);
     XeltoService* service = XeltoCreateService();
     ASSERT_NE(service, nullptr);

@@ -123,6 +123,7 @@ struct Heap {
     int calls = 0;
     int failAt = 0;
     size_t failFrom = 0;  // every allocation of this many bytes or more fails; 0: none
+    size_t failUpTo = 0;  // ... and of no more than this many
 };
 
 Heap& DllHeap()
@@ -137,7 +138,7 @@ bool SequenceFails(size_t size)
 {
     Heap& heap = DllHeap();
     const std::lock_guard guard(heap.lock);
-    return ++heap.calls == heap.failAt || (heap.failFrom != 0 && size >= heap.failFrom);
+    return ++heap.calls == heap.failAt || (heap.failFrom != 0 && size >= heap.failFrom && size <= heap.failUpTo);
 }
 
 void* Tracked(void* block, size_t size)
@@ -723,11 +724,12 @@ void FailNthAllocation(int nth)
     heap.failAt = nth;
 }
 
-void FailAllocationsFrom(size_t bytes)
+void FailAllocationsFrom(size_t bytes, size_t upTo)
 {
     Heap& heap = DllHeap();
     const std::lock_guard guard(heap.lock);
     heap.failFrom = bytes;
+    heap.failUpTo = upTo;
 }
 
 int AllocationCalls()

@@ -406,7 +406,17 @@ def prepare_copy(work, log, overrides=None):
     tree = os.path.join(work, "tree")
     overrides = overrides or {}
     files = subprocess.run(["git", "ls-files", "-z"], cwd=ROOT, check=True, stdout=subprocess.PIPE).stdout
-    for name in files.decode().split("\0"):
+    tracked = set(name for name in files.decode().split("\0") if name)
+    # A file the tree no longer has goes from the copy too: left behind, an old header would
+    # still be found before its successor in another folder (the copy's own build is kept).
+    for folder, subfolders, names in os.walk(tree):
+        if folder == tree and "build" in subfolders:
+            subfolders.remove("build")
+        for name in names:
+            path = os.path.join(folder, name)
+            if os.path.relpath(path, tree) not in tracked:
+                os.remove(path)
+    for name in sorted(tracked):
         source = os.path.join(ROOT, name)
         if not name or not os.path.isfile(source):
             continue

@@ -115,6 +115,15 @@ auto PlainSignature(R (*)(A...)) -> R (*)(A...);
 
 // ---- The allocation functions ---------------------------------------------------------------
 
+// Runs `use` on one of the hooks' records (the heap's, the handles', the loads') under its
+// lock: the DLL's threads and the test's thread reach them at once.
+template <class Record, class Use>
+auto Locked(Record& record, Use&& use)
+{
+    const std::lock_guard guard(record.lock);
+    return use(record);
+}
+
 struct Heap {
     std::mutex lock;
     // Each live block with the number of the allocation that made it and its size.
@@ -123,6 +132,7 @@ struct Heap {
     int calls = 0;
     int failAt = 0;
     size_t failFrom = 0;  // every allocation of this many bytes or more fails; 0: none
+    size_t failUpTo = 0;  // ... and of no more than this many
 };
 
 Heap& DllHeap()
@@ -135,9 +145,9 @@ Heap& DllHeap()
 // asks for more than memory has room for.
 bool SequenceFails(size_t size)
 {
-    Heap& heap = DllHeap();
-    const std::lock_guard guard(heap.lock);
-    return ++heap.calls == heap.failAt || (heap.failFrom != 0 && size >= heap.failFrom);
+    return Locked(DllHeap(), [size](Heap& heap) {
+        return ++heap.calls == heap.failAt || (heap.failFrom != 0 && size >= heap.failFrom && size <= heap.failUpTo);
+    });
 }
 
 void* Tracked(void* block, size_t size)
@@ -276,9 +286,9 @@ Loads& DllLoads()
 
 void Asked(LPCWSTR name, HANDLE file, DWORD flags)
 {
-    Loads& loads = DllLoads();
-    const std::lock_guard guard(loads.lock);
-    loads.asked.push_back({name != nullptr ? name : L"(null)", file != nullptr, flags});
+    Locked(DllLoads(), [&](Loads& loads) {
+        loads.asked.push_back({name != nullptr ? name : L"(null)", file != nullptr, flags});
+    });
 }
 
 void Take(HandleKind kind, void* handle, std::string name = {})
@@ -696,72 +706,61 @@ HeldHandles Held()
 
 std::vector<LibraryLoad> LibraryLoads()
 {
-    Loads& loads = DllLoads();
-    const std::lock_guard guard(loads.lock);
-    return loads.asked;
+    return Locked(DllLoads(), [](const Loads& loads) { return loads.asked; });
 }
 
 void ForgetLibraryLoads()
 {
-    Loads& loads = DllLoads();
-    const std::lock_guard guard(loads.lock);
-    loads.asked.clear();
+    Locked(DllLoads(), [](Loads& loads) { loads.asked.clear(); });
 }
 
 void ForgetHeld()
 {
-    Handles& handles = DllHandles();
-    const std::lock_guard guard(handles.lock);
-    handles.held.clear();
+    Locked(DllHandles(), [](Handles& handles) { handles.held.clear(); });
 }
 
 void FailNthAllocation(int nth)
 {
-    Heap& heap = DllHeap();
-    const std::lock_guard guard(heap.lock);
-    heap.calls = 0;
-    heap.failAt = nth;
+    Locked(DllHeap(), [nth](Heap& heap) {
+        heap.calls = 0;
+        heap.failAt = nth;
+    });
 }
 
-void FailAllocationsFrom(size_t bytes)
+void FailAllocationsFrom(size_t bytes, size_t upTo)
 {
-    Heap& heap = DllHeap();
-    const std::lock_guard guard(heap.lock);
-    heap.failFrom = bytes;
+    Locked(DllHeap(), [bytes, upTo](Heap& heap) {
+        heap.failFrom = bytes;
+        heap.failUpTo = upTo;
+    });
 }
 
 int AllocationCalls()
 {
-    Heap& heap = DllHeap();
-    const std::lock_guard guard(heap.lock);
-    return heap.calls;
+    return Locked(DllHeap(), [](const Heap& heap) { return heap.calls; });
 }
 
 size_t LiveBlocks()
 {
-    Heap& heap = DllHeap();
-    const std::lock_guard guard(heap.lock);
-    return heap.live.size();
+    return Locked(DllHeap(), [](const Heap& heap) { return heap.live.size(); });
 }
 
 uint64_t AllocationMark()
 {
-    Heap& heap = DllHeap();
-    const std::lock_guard guard(heap.lock);
-    return heap.made;
+    return Locked(DllHeap(), [](const Heap& heap) { return heap.made; });
 }
 
 std::vector<size_t> LiveBlocksSince(uint64_t mark)
 {
-    Heap& heap = DllHeap();
-    const std::lock_guard guard(heap.lock);
-    std::vector<size_t> sizes;
-    for (const auto& [block, made] : heap.live) {
-        if (made.first > mark) {
-            sizes.push_back(made.second);
+    return Locked(DllHeap(), [mark](const Heap& heap) {
+        std::vector<size_t> sizes;
+        for (const auto& [block, made] : heap.live) {
+            if (made.first > mark) {
+                sizes.push_back(made.second);
+            }
         }
-    }
-    return sizes;
+        return sizes;
+    });
 }
 
 PatchedImports::PatchedImports(HMODULE module)

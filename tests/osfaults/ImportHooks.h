@@ -73,9 +73,9 @@ void SkipWaits();
 // SysAllocStringLen count towards it, and the nth of them fails (each as its own function
 // fails for want of memory). Disarmed with 0.
 void FailNthAllocation(int nth);
-// Every allocation of at least this many bytes fails as well, as where memory is short for a
-// large block only. Disarmed with 0.
-void FailAllocationsFrom(size_t bytes);
+// Every allocation of at least `bytes` (and at most `upTo`) fails as well, as where memory is
+// short for a large block only. Disarmed with 0.
+void FailAllocationsFrom(size_t bytes, size_t upTo = SIZE_MAX);
 // Allocation calls since the last FailNthAllocation.
 int AllocationCalls();
 // Blocks the DLL allocated through its imports (heap blocks and BSTRs) and has not freed.

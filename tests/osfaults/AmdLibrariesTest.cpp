@@ -1,7 +1,10 @@
-// ADLX is taken only with all six of its entry points, also the two initialisations the service
-// never calls: a library that lacks any of them is not the ADLX the service is built for. Each
-// one missing in turn (its lookup answers "procedure not found"), command 10 on the AMD laptop
-// must answer false without calling into the library at all.
+// The AMD libraries as the service binds them, where only a failing OS call shows it.
+// - ADLX is taken only with all six of its entry points, also the two initialisations the
+//   service never calls: a library that lacks any of them is not the ADLX the service is built
+//   for. Each one missing in turn (its lookup answers "procedure not found"), command 10 on the
+//   AMD laptop must answer false without calling into the library at all.
+// - ADL's adapter list needs a buffer the service allocates; when it cannot be had, no adapter
+//   is asked about and the binding is still released.
 #include "EntryRun.h"
 #include "ImportHooks.h"
 #include "SimMachine.h"
@@ -65,6 +68,26 @@ TEST(AdlxExports, EachOfTheSixMissingMeansNoAdlx)
         }
         EXPECT_EQ(outcome.logs, std::vector<std::wstring>{});
     }
+}
+
+TEST(AdlBinding, AnAdapterBufferThatCannotBeHadAsksNoAdapter)
+{
+    LumavenTest::InstallShippedProfile("amd-laptop");
+    LoadedDll dll;
+    ASSERT_TRUE(dll.Loaded());
+    std::unique_ptr<LumavenTest::HostedService> hosted = Prepared(Entry::Command);
+    LumavenSim::ClearTransactions();
+    // The laptop's one adapter record: 1572 bytes, a size nothing else of the command asks for.
+    FailAllocationsFrom(1572, 1572);
+    const Outcome outcome = RunEntry(Entry::Command, 9, L"{\"BValue\":true}", hosted);
+    DisarmAll();
+    SkipWaits();
+    EXPECT_EQ(outcome.call.status, 0u) << outcome.Describe();
+    EXPECT_EQ(outcome.call.response, L"{\"result\":false}");
+    EXPECT_EQ(outcome.logs, std::vector<std::wstring>{L"I:nAdapter count=1"});
+    EXPECT_EQ(CallsStartingWith("ADL2_"),
+              (std::vector<std::string>{"ADL2_Main_Control_Create", "ADL2_Adapter_NumberOfAdapters_Get",
+                                        "ADL2_Main_Control_Destroy"}));
 }
 
 }  // namespace

@@ -24,16 +24,10 @@ using namespace LumavenOsFaults;
 
 constexpr int kAdlxEntryPoints = 6;
 
-// The calls the simulated drivers logged whose name starts with `prefix`.
-std::vector<std::string> CallsStartingWith(const std::string& prefix)
+// The calls the simulated library of this file name logged, in order.
+std::vector<std::string> CallsInto(const char* library)
 {
-    std::vector<std::string> calls;
-    for (const std::string& call : LumavenSim::TransactionLog::Read().CallNames()) {
-        if (call.rfind(prefix, 0) == 0) {
-            calls.push_back(call);
-        }
-    }
-    return calls;
+    return LumavenSim::TransactionLog::Read().CallNames(library);
 }
 
 TEST(AdlxExports, EachOfTheSixMissingMeansNoAdlx)
@@ -61,10 +55,10 @@ TEST(AdlxExports, EachOfTheSixMissingMeansNoAdlx)
         EXPECT_EQ(outcome.call.status, 0u) << outcome.Describe();
         if (missing == 0) {
             EXPECT_EQ(outcome.call.response, L"{\"result\":true}");
-            EXPECT_FALSE(CallsStartingWith("ADLX").empty());
+            EXPECT_FALSE(CallsInto("amdadlx64.dll").empty());
         } else {
             EXPECT_EQ(outcome.call.response, L"{\"result\":false}");
-            EXPECT_EQ(CallsStartingWith("ADLX"), std::vector<std::string>{}) << "the library was called";
+            EXPECT_EQ(CallsInto("amdadlx64.dll"), std::vector<std::string>{}) << "the library was called";
         }
         EXPECT_EQ(outcome.logs, std::vector<std::wstring>{});
     }
@@ -85,7 +79,7 @@ TEST(AdlBinding, AnAdapterBufferThatCannotBeHadAsksNoAdapter)
     EXPECT_EQ(outcome.call.status, 0u) << outcome.Describe();
     EXPECT_EQ(outcome.call.response, L"{\"result\":false}");
     EXPECT_EQ(outcome.logs, std::vector<std::wstring>{L"I:nAdapter count=1"});
-    EXPECT_EQ(CallsStartingWith("ADL2_"),
+    EXPECT_EQ(CallsInto("atiadlxx.dll"),
               (std::vector<std::string>{"ADL2_Main_Control_Create", "ADL2_Adapter_NumberOfAdapters_Get",
                                         "ADL2_Main_Control_Destroy"}));
 }

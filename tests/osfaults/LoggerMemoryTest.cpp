@@ -35,21 +35,21 @@ struct Form {
 
 std::vector<Form> Forms()
 {
-    TraceLogger& logger = *LogManager::GetLogger();
+    TraceLogger* const logger = LogManager::GetLogger();
     return {
-        {"LogInfo", [&logger] { logger.LogInfo(L"info: %s", kArgument.c_str()); }, L"info: " + kArgument},
-        {"LogError narrow", [&logger] { logger.LogError("narrow error: %s", kArgument.c_str()); },
+        {"LogInfo", [logger] { logger->LogInfo(L"info: %s", kArgument.c_str()); }, L"info: " + kArgument},
+        {"LogError narrow", [logger] { logger->LogError("narrow error: %s", kArgument.c_str()); },
          L"narrow error: " + kArgument},
-        {"LogError wide", [&logger] { logger.LogError(L"wide error: %s", kArgument.c_str()); },
+        {"LogError wide", [logger] { logger->LogError(L"wide error: %s", kArgument.c_str()); },
          L"wide error: " + kArgument},
         {"LogError data",
-         [&logger] {
-             logger.LogError(LoggingData{L"data error: %s", 3, 0}, kArgument.c_str());
+         [logger] {
+             logger->LogError(LoggingData{L"data error: %s", 3, 0}, kArgument.c_str());
          },
          L"data error: " + kArgument},
         {"LogWarning data",
-         [&logger] {
-             logger.LogWarning(LoggingData{L"warning: %s", 4, 0}, kArgument.c_str());
+         [logger] {
+             logger->LogWarning(LoggingData{L"warning: %s", 4, 0}, kArgument.c_str());
          },
          L"warning: " + kArgument},
     };

@@ -4,9 +4,9 @@
 Each mutant changes one token of one line: a comparison flipped, && and || swapped, + and -,
 * and /, & and |, << and >> swapped, an integer constant moved by one, a boolean literal
 inverted, a unary ! removed, a returned value replaced by its type's default, a counted loop's
-bound lowered by one, or a call statement dropped. A mutant is judged by the unit, scenario
-and fault suites; a suite passes only on GoogleTest's own report, so a crash, a hang (the time
-limit) or an early exit kills the mutant as a failed test does. A mutant that does not build is
+bound lowered by one, or a call statement dropped. A mutant is judged by the unit, scenario,
+fault and OS-fault suites; a suite passes only on GoogleTest's own report, so a crash, a hang
+(the time limit) or an early exit kills the mutant as a failed test does. A mutant that does not build is
 stillborn and is not counted.
 
 Two ways to judge, with the same verdicts (docs/mutation/agreement.csv):
@@ -39,8 +39,10 @@ import time
 from xml.etree import ElementTree
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-SUITES = ["scenario_tests", "unit_tests", "fault_tests"]  # cheapest first
-SUITE_TIMEOUT = {"scenario_tests": 90, "unit_tests": 150, "fault_tests": 300}
+# Cheapest first. The OS-fault suite judges too: it is the only one that fails the service's OS
+# calls and allocations, so the handling of those failures is tested nowhere else.
+SUITES = ["scenario_tests", "unit_tests", "fault_tests", "os_fault_tests"]
+SUITE_TIMEOUT = {"scenario_tests": 90, "unit_tests": 150, "fault_tests": 300, "os_fault_tests": 300}
 
 COMPARISONS = {"==": "!=", "!=": "==", "<": "<=", "<=": "<", ">": ">=", ">=": ">"}
 LOGICAL = {"&&": "||", "||": "&&"}
@@ -453,7 +455,7 @@ def failing_test(report):
     return "(no failed test: exit code or count)"
 
 
-TARGETS = ["unit_tests", "scenario_tests", "fault_tests"]
+TARGETS = ["unit_tests", "scenario_tests", "fault_tests", "os_fault_tests"]
 
 
 def build_command(build):

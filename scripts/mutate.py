@@ -146,6 +146,7 @@ def mutants_of_lines(path, lines):
     in the order of line and column."""
     found = []
     in_block_comment = False
+    branches = []  # the open conditionals (track_branch)
     for number, line in enumerate(lines, 1):
         if in_block_comment:
             if "*/" in line:
@@ -155,9 +156,13 @@ def mutants_of_lines(path, lines):
         if stripped.startswith("/*"):
             in_block_comment = "*/" not in stripped
             continue
+        if stripped.startswith("#"):
+            track_branch(branches, stripped)
         # Preprocessor lines, compile-time checks and includes only give mutants that do not
-        # build or that change nothing.
-        if stripped.startswith("#") or stripped.startswith("static_assert") or not stripped:
+        # build or that change nothing; the other compiler's side of a compiler test is in no
+        # build here, so no suite could judge a mutant of it.
+        if stripped.startswith("#") or stripped.startswith("static_assert") or not stripped \
+                or "msvc" in branches:
             continue
         masked = mask(line)
         on_line = []
@@ -204,6 +209,21 @@ def mutants_of_lines(path, lines):
             on_line.append((path, number, len(indent), line[len(indent):], ";", "drop-call"))
         found.extend(sorted(on_line, key=lambda m: (m[2], KINDS.index(m[5]))))
     return found
+
+
+def track_branch(branches, directive):
+    """Keeps the stack of open conditionals, each "gnu" (the GCC and Clang side of a compiler
+    test), "msvc" (its #else, which neither compiler here builds) or "any"."""
+    words = directive[1:].split()
+    if not words:
+        return
+    if words[0] in ("if", "ifdef", "ifndef"):
+        compiler_test = re.match(r"#\s*if\s+defined\s*\(\s*__GNUC__\s*\)\s*$", directive)
+        branches.append("gnu" if compiler_test else "any")
+    elif words[0] in ("else", "elif") and branches:
+        branches[-1] = "msvc" if branches[-1] == "gnu" else branches[-1]
+    elif words[0] == "endif" and branches:
+        branches.pop()
 
 
 _ZERO = []
@@ -834,6 +854,11 @@ def self_test():
         "    for (int i = 0; i < count; ++i) {",
         "        total += a * b - (c >> 2) | d;",
         "    }",
+        "#if defined(__GNUC__)",
+        "    total -= 2;",
+        "#else",
+        "    total -= 3;",  # the other compiler's side: no mutants
+        "#endif",
         "    return a + 1;",
         "}",
         "    virtual int Size() = 0;",
@@ -843,8 +868,8 @@ def self_test():
     counts = {}
     for mutant in found:
         counts[mutant[5]] = counts.get(mutant[5], 0) + 1
-    expected = {"comparison": 2, "logical": 1, "arithmetic": 4, "bitwise": 1, "shift": 1, "boolean": 1,
-                "constant": 3, "negation": 1, "return-default": 1, "loop-bound": 1, "drop-call": 1}
+    expected = {"comparison": 2, "logical": 1, "arithmetic": 5, "bitwise": 1, "shift": 1, "boolean": 1,
+                "constant": 4, "negation": 1, "return-default": 1, "loop-bound": 1, "drop-call": 1}
     problems = []
     if counts != expected:
         problems.append("operators: found %s, expected %s" % (counts, expected))

@@ -436,9 +436,9 @@ def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None):
         if ident in excluded:
             continue
         number = mutant[1]
-        previous = ""
+        previous = ""  # the last code line before it: a directive between says nothing of where it starts
         for back in range(number - 2, -1, -1):
-            if masked_lines[back].strip():
+            if masked_lines[back].strip() and not masked_lines[back].lstrip().startswith("#"):
                 previous = masked_lines[back]
                 break
         site = site_of(ident, mutant, lines[number - 1], masked_lines[number - 1], previous, columns[number - 1])

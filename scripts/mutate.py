@@ -12,8 +12,9 @@ stillborn and is not counted.
 Two ways to judge, with the same verdicts (docs/mutation/agreement.csv):
 - the switched build (default; scripts/mutate_schema.py): every mutant compiled into one
   private copy of the tree and switched on at run time by LUMAVEN_MUTANT; a mutant runs the
-  tests that reach it (a per-test map made once), then the full suites if it lives. A mutant the
-  compiler cannot switch at run time is rebuilt on its own, as below.
+  tests that reach it (a per-test map made once), then, if it lives, the whole suites those
+  tests belong to. A mutant the compiler cannot switch at run time is rebuilt on its own, as
+  below.
 - the rebuild (--plain): the mutant written into a private copy of the tree, rebuilt in its own
   build tree, and the suites run through CTest, cheapest first, up to the first that fails.
 The worktree's own sources are never touched: an interrupted run leaves at most the private
@@ -628,7 +629,7 @@ def main():
     parser.add_argument("--plain", action="store_true",
                         help="judge by rebuilding each mutant (the reference path) instead of the switched build")
     parser.add_argument("--no-confirm", action="store_true",
-                        help="switched build: do not run the full suites on a mutant the tests reaching it let live")
+                        help="switched build: do not run the whole suites on a mutant the tests reaching it let live")
     parser.add_argument("--results", default="",
                         help="table of verdicts to append to and resume from (CSV), e.g. docs/mutation/results.csv")
     parser.add_argument("--defer-rebuilds", action="store_true",

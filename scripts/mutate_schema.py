@@ -652,7 +652,7 @@ class FastEngine:
         report = os.path.join(self.bin, "gtest-reports", suite + ".xml")
         code = self.base.run(["ctest", "--test-dir", self.build, "-R", "^%s$" % suite, "--timeout",
                               str(self.base.SUITE_TIMEOUT[suite]), "--output-on-failure"], self.tree, self.log,
-                             env=self.environment(mutant))
+                             env=dict(self.environment(mutant), GTEST_FAIL_FAST="1"))
         return code == 0, ("" if code == 0 else self.base.failing_test(report))
 
     def baseline(self):

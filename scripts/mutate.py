@@ -481,8 +481,8 @@ FAIL_FAST = dict(os.environ, GTEST_FAIL_FAST="1")
 TARGETS = ["unit_tests", "scenario_tests", "fault_tests", "os_fault_tests"]
 
 
-def build_command(build):
-    return ["cmake", "--build", build, "-j", "2", "--target"] + TARGETS
+def build_command(build, targets=TARGETS):
+    return ["cmake", "--build", build, "-j", "2", "--target"] + targets
 
 
 # Why a rebuilt mutant whose service is the unmutated one, byte for byte, is equivalent.
@@ -496,7 +496,9 @@ def service_code(build):
     fixed paths), so equal digests mean the same code and data."""
     dll = os.path.join(build, "bin", "LumavenService.dll")
     stripped = dll + ".code"
-    subprocess.run(["x86_64-w64-mingw32-objcopy", "--strip-debug", dll, stripped], check=True)
+    # objcopy stamps the PE header with the time unless told the epoch.
+    subprocess.run(["x86_64-w64-mingw32-objcopy", "--strip-debug", dll, stripped], check=True,
+                   env=dict(os.environ, SOURCE_DATE_EPOCH="0"))
     with open(stripped, "rb") as f:
         return hashlib.sha256(f.read()).hexdigest()
 
@@ -544,10 +546,13 @@ class PlainEngine:
                     f.write(original)
 
     def run_suites(self):
-        if run(build_command(self.build), self.tree, self.log) != 0:
+        # The service first: a mutant that leaves its code as it was needs no test built or run.
+        if run(build_command(self.build, ["LumavenService"]), self.tree, self.log) != 0:
             return "stillborn", "", "", "rebuild"
         if service_code(self.build) == self.unmutated:
             return "equivalent", "", "", "rebuild, same code"
+        if run(build_command(self.build), self.tree, self.log) != 0:
+            return "stillborn", "", "", "rebuild"
         for suite in SUITES:
             report = os.path.join(self.build, "bin", "gtest-reports", suite + ".xml")
             code = run(["ctest", "--test-dir", self.build, "-R", "^%s$" % suite, "--timeout",

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -22,14 +23,19 @@ namespace {
 using namespace LumavenOsFaults;
 
 // The calls an entry point made, traced from the moment it was entered.
+// The setting as the entry point finds it: a value, or no key at all.
 std::vector<std::wstring> TraceOf(const char* laptop, Entry entry, uint32_t command, const wchar_t* request,
-                                  DWORD oled = 0)
+                                  std::optional<DWORD> oled = 0)
 {
     LumavenTest::InstallShippedProfile(laptop);
     LoadedDll dll;
     EXPECT_TRUE(dll.Loaded());
     std::unique_ptr<LumavenTest::HostedService> hosted = Prepared(entry);
-    LumavenTest::SetOledDword(oled);
+    if (oled) {
+        LumavenTest::SetOledDword(*oled);
+    } else {
+        LumavenTest::DeleteSettingsKey();
+    }
     SkipWaits();
     TraceCalls(true);
     const Outcome outcome = RunEntry(entry, command, request, hosted);
@@ -105,6 +111,30 @@ TEST(CallTrace, AnIntelCommandGivesTheLibraryBackBeforeItStoresTheSetting)
     ASSERT_LT(released, calls.size()) << "the control library was not given back";
     ASSERT_LT(stored, calls.size()) << "the setting was not stored";
     EXPECT_LT(released, stored);
+}
+
+const std::set<std::wstring> kRegistryCalls{L"RegOpenKeyExW", L"RegCreateKeyExW", L"RegSetValueExW",
+                                            L"RegQueryValueExW", L"RegCloseKey"};
+// HKEY_LOCAL_MACHINE's settings key, with every access right (KEY_ALL_ACCESS 0xF003F).
+const std::wstring kOpenSettings = L"RegOpenKeyExW(ptr, \"SOFTWARE\\Xelto\\Xelto Lumaven\", 0, 983103, ptr)";
+
+// Open, write a 4-byte REG_DWORD (4), close: nothing between the steps.
+TEST(CallTrace, TheSettingIsOpenedWrittenAndClosedWithTheDocumentedArguments)
+{
+    EXPECT_EQ(Only(TraceOf("intel-laptop", Entry::Command, 2, L"{}"), kRegistryCalls),
+              (std::vector<std::wstring>{kOpenSettings, L"RegSetValueExW(ptr, \"OLED\", 0, 4, ptr, 4)",
+                                         L"RegCloseKey(ptr)"}));
+}
+
+// A read of a missing key creates it: no class, non-volatile (0), every access right, no
+// security attributes, no disposition asked for. The value is asked for with its type.
+TEST(CallTrace, AReadOfAMissingKeyCreatesItWithTheDocumentedArguments)
+{
+    EXPECT_EQ(Only(TraceOf("intel-laptop", Entry::Command, 7, L"{}", std::nullopt), kRegistryCalls),
+              (std::vector<std::wstring>{
+                  kOpenSettings,
+                  L"RegCreateKeyExW(ptr, \"SOFTWARE\\Xelto\\Xelto Lumaven\", 0, null, 0, 983103, null, ptr, null)",
+                  L"RegQueryValueExW(ptr, \"OLED\", null, ptr, ptr, ptr)", L"RegCloseKey(ptr)"}));
 }
 
 // The panel gets half a second after the display comes back on before it is written, once.

@@ -610,9 +610,12 @@ class Results:
             writer.writerow(row)
 
     def rewrite(self, order):
-        """The table sorted in the listing's order (rows of mutants no longer listed at the end)."""
+        """The table sorted in the listing's order (rows of mutants no longer listed at the end),
+        with the rows other runs appended meanwhile."""
         if not self.path or not os.path.exists(self.path):
             return
+        for key, row in Results(self.path).rows.items():
+            self.rows.setdefault(key, row)
         rank = {key: i for i, key in enumerate(order)}
         rows = sorted(self.rows.values(), key=lambda r: (rank.get(r["key"], len(rank)), r["key"]))
         with open(self.path, "w", newline="", encoding="utf-8") as f:
@@ -676,6 +679,10 @@ def main():
                         help="private copies, build trees and logs (default build/mutate)")
     parser.add_argument("--lock", default=os.environ.get("LUMAVEN_MUTATE_LOCK", ""),
                         help="a file to flock around each build and each mutant's suites")
+    parser.add_argument("--shard", default="0/1", metavar="K/N",
+                        help="judge every Nth chosen mutant from the Kth (K from 0): N runs with K = 0..N-1 share "
+                             "the work, each in a Wine prefix of its own and under LOCK.K (K > 0), e.g. two on a "
+                             "2-core machine; start the others once the first has built")
     parser.add_argument("--summary", action="store_true", help="only print the figures of the results table")
     parser.add_argument("--self-test", action="store_true", help="check the generator on a small sample")
     args = parser.parse_args()
@@ -708,6 +715,9 @@ def main():
         # The sample is the reference table's: the mutants it judged that are still listed.
         judged = Results(args.reference).rows
         chosen = [m for m in listing if keys[m] in judged]
+    shard, shards = (int(part) for part in args.shard.split("/"))
+    chosen = chosen[shard::shards]
+    run_lock = args.lock if shard == 0 or not args.lock else "%s.%d" % (args.lock, shard)
     results = Results(args.results)
     again = tuple(args.again.split(",")) if args.again else ()
     pending = [m for m in chosen if not results.has(keys[m], again)]
@@ -725,7 +735,7 @@ def main():
     if not args.plain or args.agreement:
         import mutate_schema
         fast = mutate_schema.FastEngine(os.path.join(work, "fast"), args.lock, listing, keys,
-                                               confirm=not args.no_confirm)
+                                        confirm=not args.no_confirm, worker=shard, run_lock=run_lock)
         fast.prepare()
     equivalents = load_equivalents()
     reference = Results(args.reference)
@@ -736,7 +746,7 @@ def main():
     started_all = time.time()
     # The switched path's mutants take seconds each: one hold of the lock serves a batch of them
     # (about two minutes, like one suite run), then the others get their turn.
-    batch = Lock(args.lock if fast is not None else "")
+    batch = Lock(run_lock if fast is not None else "")
     batch.__enter__()
     for index, mutant in enumerate(chosen, args.skip + 1):
         batch.share(120)

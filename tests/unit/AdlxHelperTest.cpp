@@ -395,6 +395,25 @@ TEST_F(AdlxHelper, GetVariBrightGivesAnInterfaceForEnableAndMaximizeBattery)
               (std::vector<std::string>{"GetVariBright", "SetEnabled", "GetVariBright", "SetMaximizeBattery"}));
 }
 
+// An initialisation that answers with a success code but hands out no system (ADLX_ALREADY_
+// ENABLED, 1) ends with ADLX terminated. The display services of the load before are given
+// back first, while ADLX can still take them, and not left behind inside it; the display is
+// kept, as on every failed initialisation.
+TEST_F(AdlxHelper, ASuccessWithoutASystemGivesTheEarlierDisplayServicesBackBeforeTerminating)
+{
+    InstallProfile(Laptop({{.varibrightSupported = true}}, "amdadlx64.dll",
+                          {{.function = "ADLXInitialize", .code = 1, .nth = 2}}));
+    InitializeAdlxDisplay();
+    ASSERT_NE(adlxDisplayServices, nullptr);
+    ASSERT_NE(adlxDisplay, nullptr);
+    InitializeAdlxDisplay();
+    EXPECT_FALSE(g_ADLXHelp.IsLoaded());
+    EXPECT_EQ(adlxDisplayServices, nullptr);
+    const auto terminations = RecordsOf("ADLXTerminate");
+    ASSERT_EQ(terminations.size(), 1u);
+    EXPECT_EQ(Number(terminations[0], "orphans"), 1);
+}
+
 TEST_F(AdlxHelper, ObjectsLeftAtTerminationAreReportedAsOrphans)
 {
     InstallProfile(Laptop());

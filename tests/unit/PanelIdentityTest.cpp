@@ -175,6 +175,15 @@ TEST(PanelIdentity, FirstSupportedMonitorInEnumerationOrderWins)
     EXPECT_EQ(GetPanelIndex(), 1);
 }
 
+// The walk starts at the first device of the class: a monitor that SetupAPI lists before
+// Wine's own Default_Monitor (its model sorts first) is read too.
+TEST(PanelIdentity, TheFirstMonitorOfTheClassIsRead)
+{
+    InstallProfile(Profile::Machine{.monitors = {{.panel = Panels::kSdc4174, .model = "AAA0001"}}});
+    EXPECT_EQ(ReadMonitorEdids().size(), 1u);
+    EXPECT_EQ(GetPanelIndex(), 3);
+}
+
 TEST(PanelIdentity, EdidOver256BytesGrowsTheBufferAndKeeps128)
 {
     InstallProfile(Profile::Machine{.monitors = {{.panel = Panels::kSdc416C, .edidLength = 384}}});

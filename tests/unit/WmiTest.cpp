@@ -402,6 +402,21 @@ INSTANTIATE_TEST_SUITE_P(
             "EmptyArray", kVideoController, L"__DERIVATION", kDefaultWmiNamespace, StatusInvalidArgument, {}}),
     [](const testing::TestParamInfo<WithoutResult>& info) { return std::string(info.param.name); });
 
+// Each part of the query is measured with a bound of 1024 characters: a class part of exactly
+// that length is taken whole. Here it carries a condition whose closing quote is its last
+// character, so a part cut one short is a query WMI refuses.
+TEST(PublicWmi, AClassPartOf1024CharactersIsTakenWhole)
+{
+    InstallGpu("Intel(R) Iris(R) Xe Graphics");
+    const std::wstring condition = std::wstring(kVideoController) + L" WHERE Name <> '";
+    const std::wstring className = condition + std::wstring(1024 - condition.size() - 1, L'x') + L"'";
+    ASSERT_EQ(className.size(), 1024u);
+    PublicWmi wmi;
+    Document response = EmptyObject();
+    EXPECT_EQ(wmi.GetPropertyValue(className.c_str(), L"Name", response), StatusSuccess);
+    EXPECT_EQ(Compact(response), LR"({"result":["Intel(R) Iris(R) Xe Graphics"]})");
+}
+
 TEST(PublicWmi, ConnectAndEnumerateDirectly)
 {
     InstallGpu("Radeon Pro");

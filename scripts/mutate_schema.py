@@ -436,9 +436,9 @@ def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None):
         if ident in excluded:
             continue
         number = mutant[1]
-        previous = ""
+        previous = ""  # the last code line before it: a directive between says nothing of where it starts
         for back in range(number - 2, -1, -1):
-            if masked_lines[back].strip():
+            if masked_lines[back].strip() and not masked_lines[back].lstrip().startswith("#"):
                 previous = masked_lines[back]
                 break
         site = site_of(ident, mutant, lines[number - 1], masked_lines[number - 1], previous, columns[number - 1])
@@ -463,8 +463,8 @@ def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None):
 class FastEngine:
     """The switched build: one private copy of the tree whose src/ files are their schemata, built
     once; a mutant is run by naming it in LUMAVEN_MUTANT, first with only the tests that reach it
-    (from the per-test map), then, if it lives, with the full suites. A mutant that cannot be
-    switched (or that the schemata build refused) goes to the rebuild path."""
+    (from the per-test map), then, if it lives, with the whole suites that reach it. A mutant
+    that cannot be switched (or that the schemata build refused) goes to the rebuild path."""
 
     def __init__(self, work, lock, listing, keys, confirm=True):
         import mutate as base
@@ -652,7 +652,7 @@ class FastEngine:
         report = os.path.join(self.bin, "gtest-reports", suite + ".xml")
         code = self.base.run(["ctest", "--test-dir", self.build, "-R", "^%s$" % suite, "--timeout",
                               str(self.base.SUITE_TIMEOUT[suite]), "--output-on-failure"], self.tree, self.log,
-                             env=self.environment(mutant))
+                             env=dict(self.environment(mutant), GTEST_FAIL_FAST="1"))
         return code == 0, ("" if code == 0 else self.base.failing_test(report))
 
     def baseline(self):
@@ -757,13 +757,20 @@ class FastEngine:
                     return "killed", suite, failed, "switched, %s whole after a crash" % suite
                 if not passed:
                     return "killed", suite, failed, "switched, %d reaching tests" % sum(map(len, reaching.values()))
+            if not reaching:
+                return "survived", "", "", "switched, reached by no test"
             if not self.confirm:
                 return "survived", "", "", "switched, reaching tests only" + crashed
+            # A suite none of whose tests reaches the mutant never runs it: its run is the
+            # unmutated one, which passes. A suite that reaches it runs whole, since a test that
+            # does not reach it may still fail on what a reaching test left behind.
             for suite in self.base.SUITES:
+                if suite not in reaching:
+                    continue
                 passed, failed = self.ctest(suite, ident)
                 if not passed:
-                    return "killed", suite, failed, "switched, full suites" + crashed
-        return "survived", "", "", "switched, full suites" + crashed
+                    return "killed", suite, failed, "switched, whole suites reaching it" + crashed
+        return "survived", "", "", "switched, whole suites reaching it" + crashed
 
 
 def switchable(listing, mask):

@@ -4,6 +4,17 @@ namespace LumavenBench {
 
 using Xelto::Spanlet::Server::Services::Lumaven::BuildAuxDataMap;
 
+namespace {
+
+// The commands that are one session of Intel's control library in the mode of their number:
+// the OPST queries and switches and the Ed switches.
+bool IsIntelSession(uint32_t command)
+{
+    return command == 1 || command == 2 || command == 3 || command == 5 || command == 6 || command == 8;
+}
+
+}  // namespace
+
 Vendor VendorOf(const std::vector<std::wstring>& names)
 {
     Vendor vendor = Vendor::Other;
@@ -26,13 +37,10 @@ CommandFloors::CommandFloors()
 
 bool CommandFloors::Command(uint32_t command, bool on)
 {
+    if (IsIntelSession(command)) {
+        return Intel(command);
+    }
     switch (command) {
-    case 1:
-    case 2:
-    case 3:
-    case 5:
-    case 6:
-    case 8: return Intel(command);
     case 4: MonitorPanelIds(); return true;
     case 7: ReadOled(); return true;
     case 9: return Elp(on);
@@ -48,14 +56,11 @@ bool CommandFloors::Command(uint32_t command, bool on)
 
 std::string CommandFloors::Text(uint32_t command, bool on) const
 {
+    if (IsIntelSession(command)) {
+        return IntelText(command);
+    }
     const bool intel = m_vendor == Vendor::Intel;
     switch (command) {
-    case 1:
-    case 2:
-    case 3:
-    case 5:
-    case 6:
-    case 8: return IntelText(command);
     case 4: return "EDID walk";
     case 7: return "reg read";
     case 9: return intel ? IntelText(on ? 5 : 6) : "ADL load + AUX write + reg write";

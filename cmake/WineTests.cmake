@@ -28,3 +28,18 @@ function(lumaven_wine_test_properties name)
     TIMEOUT 900
     ENVIRONMENT "WINEPREFIX=${LUMAVEN_WINEPREFIX};WINEDEBUG=-all")
 endfunction()
+
+# One GoogleTest program, run as the suite of the same name: built warning-free from SOURCES,
+# linked with LIBRARIES and GoogleTest's main, built after DEPENDS (the DLLs and programs its
+# tests load or start).
+function(lumaven_test_suite name)
+  cmake_parse_arguments(PARSE_ARGV 1 suite "" "" "SOURCES;LIBRARIES;INCLUDES;DEPENDS")
+  add_executable(${name} ${suite_SOURCES})
+  target_link_libraries(${name} PRIVATE ${suite_LIBRARIES} GTest::gtest_main)
+  if(suite_INCLUDES)
+    target_include_directories(${name} PRIVATE ${suite_INCLUDES})
+  endif()
+  lumaven_warnings(${name})
+  add_dependencies(${name} ${suite_DEPENDS})
+  lumaven_add_wine_test(${name} ${name})
+endfunction()

@@ -30,6 +30,7 @@
 #include <cstdio>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -87,12 +88,64 @@ public:
     {
         return Refuse(kNotInitialized, handle == nullptr ? "no context" : "a context this library did not create");
     }
+
+    // The first checks of a call made on a context: a context this library created, and the
+    // pointer the call fills or reads (`missing` says what is missing when it is null).
+    // Answers the refusal's code, or nothing when the call goes on.
+    std::optional<int> CheckContext(Context handle, const void* passed, const char* missing)
+    {
+        if (AsContext(handle) == nullptr) {
+            return RefuseContext(handle);
+        }
+        if (passed == nullptr) {
+            return Refuse(kNullPointer, missing);
+        }
+        return std::nullopt;
+    }
+
+    // Takes in a record that starts with its size, and logs the size: a record of another
+    // size is refused before anything past iSize is read from it.
+    template <class Data>
+    std::optional<int> Receive(const Data* passed, Data& data)
+    {
+        std::memcpy(&data.iSize, passed, sizeof data.iSize);
+        Int("size", data.iSize);
+        if (data.iSize != static_cast<int>(sizeof data)) {
+            return Refuse(kInvalidParameter,
+                          "iSize " + std::to_string(data.iSize) + ", expected " + std::to_string(sizeof data));
+        }
+        std::memcpy(&data, passed, sizeof data);
+        return std::nullopt;
+    }
 };
 
 // After the library's detach nothing of it is left to answer from: the call is refused.
 bool Detached(const char* call)
 {
     return LumavenSim::RefusedAfterDetach(LibraryName(), call, kNotInitialized);
+}
+
+// A call about one display of an adapter that is handed a record starting with its size
+// (EDID, AUX): logged with both indices, refused after the detach, on a context this library
+// did not create, without a record (`missing`) or with a record of another size; otherwise
+// `body` goes on with the record taken in.
+template <class Data, class Body>
+int OnDisplayRecord(const char* call, Context handle, int adapter, int display, const Data* passed, const char* missing,
+                    Body body)
+{
+    if (Detached(call)) {
+        return kNotInitialized;
+    }
+    Record record(call);
+    record.Int("adapter", adapter).Int("display", display);
+    if (const auto refused = record.CheckContext(handle, passed, missing)) {
+        return *refused;
+    }
+    Data data{};
+    if (const auto refused = record.Receive(passed, data)) {
+        return *refused;
+    }
+    return body(record, data);
 }
 
 rapidjson::Value& AmdSection(rapidjson::Document& state)
@@ -160,14 +213,23 @@ std::vector<uint8_t> DisplayEdid(const rapidjson::Value& display)
     return LumavenSim::MakeEdid(LumavenSim::HexToBytes(panel));
 }
 
+// Inside a state update: takes the fault of the profile that makes `function` fail on this
+// call, if there is one, into `result`; true when there was.
+bool TookFault(rapidjson::Document& state, const char* function, int& result)
+{
+    const auto fault = LumavenSim::TakeFault(state, function);
+    if (fault) {
+        result = static_cast<int>(*fault);
+    }
+    return fault.has_value();
+}
+
 // The code a fault of the profile makes `function` answer on this call, or kOk.
 int InjectedFault(const char* function)
 {
     int result = kOk;
     LumavenSim::WithState([&](rapidjson::Document& state) {
-        if (const auto fault = LumavenSim::TakeFault(state, function)) {
-            result = static_cast<int>(*fault);
-        }
+        TookFault(state, function, result);
         return true;
     });
     return result;
@@ -268,17 +330,13 @@ int ADL2_Adapter_NumberOfAdapters_Get(Context handle, int* lpNumAdapters)
         return kNotInitialized;
     }
     Record record("ADL2_Adapter_NumberOfAdapters_Get");
-    if (AsContext(handle) == nullptr) {
-        return record.RefuseContext(handle);
-    }
-    if (lpNumAdapters == nullptr) {
-        return record.Refuse(kNullPointer, "no count to fill");
+    if (const auto refused = record.CheckContext(handle, lpNumAdapters, "no count to fill")) {
+        return *refused;
     }
     int result = kOk;
     int count = 0;
     LumavenSim::WithState([&](rapidjson::Document& state) {
-        if (const auto fault = LumavenSim::TakeFault(state, "ADL2_Adapter_NumberOfAdapters_Get")) {
-            result = static_cast<int>(*fault);
+        if (TookFault(state, "ADL2_Adapter_NumberOfAdapters_Get", result)) {
             return true;
         }
         count = static_cast<int>(LumavenSim::CountAnswer(state, "ADL2_Adapter_NumberOfAdapters_Get", "count")
@@ -299,18 +357,14 @@ int ADL2_Adapter_AdapterInfo_Get(Context handle, AdapterInfo* lpInfo, int iInput
     }
     Record record("ADL2_Adapter_AdapterInfo_Get");
     record.Int("inputSize", iInputSize);
-    if (AsContext(handle) == nullptr) {
-        return record.RefuseContext(handle);
-    }
-    if (lpInfo == nullptr) {
-        return record.Refuse(kNullPointer, "no adapter buffer");
+    if (const auto refused = record.CheckContext(handle, lpInfo, "no adapter buffer")) {
+        return *refused;
     }
     int result = kOk;
     int filled = 0;
     std::string refused;
     LumavenSim::WithState([&](rapidjson::Document& state) {
-        if (const auto fault = LumavenSim::TakeFault(state, "ADL2_Adapter_AdapterInfo_Get")) {
-            result = static_cast<int>(*fault);
+        if (TookFault(state, "ADL2_Adapter_AdapterInfo_Get", result)) {
             return true;
         }
         // The buffer must hold a record for every adapter reported; nothing is written into
@@ -375,8 +429,7 @@ int ADL2_Display_DisplayInfo_Get(Context handle, int iAdapterIndex, int* lpNumDi
     std::string refused;
     std::vector<DisplayInfo> infos;
     LumavenSim::WithState([&](rapidjson::Document& state) {
-        if (const auto fault = LumavenSim::TakeFault(state, "ADL2_Display_DisplayInfo_Get")) {
-            result = static_cast<int>(*fault);
+        if (TookFault(state, "ADL2_Display_DisplayInfo_Get", result)) {
             return true;
         }
         rapidjson::Value* adapter = FindAdapterByIndex(state, iAdapterIndex);
@@ -439,151 +492,120 @@ int ADL2_Display_DisplayInfo_Get(Context handle, int iAdapterIndex, int* lpNumDi
 // service passes here.
 int ADL2_Display_EdidData_Get(Context handle, int iAdapterIndex, int iDisplayIndex, EdidData* lpEDIDData)
 {
-    if (Detached("ADL2_Display_EdidData_Get")) {
-        return kNotInitialized;
-    }
-    Record record("ADL2_Display_EdidData_Get");
-    record.Int("adapter", iAdapterIndex).Int("display", iDisplayIndex);
-    if (AsContext(handle) == nullptr) {
-        return record.RefuseContext(handle);
-    }
-    if (lpEDIDData == nullptr) {
-        return record.Refuse(kNullPointer, "no EDID record");
-    }
-    EdidData edid{};
-    std::memcpy(&edid.iSize, lpEDIDData, sizeof edid.iSize);
-    record.Int("size", edid.iSize);
-    if (edid.iSize != static_cast<int>(sizeof edid)) {
-        return record.Refuse(kInvalidParameter,
-                             "iSize " + std::to_string(edid.iSize) + ", expected " + std::to_string(sizeof edid));
-    }
-    std::memcpy(&edid, lpEDIDData, sizeof edid);
-    if (edid.iFlag != 0) {
-        return record.Refuse(kInvalidParameter, "iFlag " + std::to_string(edid.iFlag) + " is not zero");
-    }
-    if (const auto reserved = LumavenSim::FirstNonZero(edid.iReserved)) {
-        return record.Refuse(kInvalidParameter, "iReserved[" + std::to_string(*reserved) + "] is not zero");
-    }
-    int result = kOk;
-    std::string refused;
-    std::vector<uint8_t> bytes;
-    LumavenSim::WithState([&](rapidjson::Document& state) {
-        if (const auto fault = LumavenSim::TakeFault(state, "ADL2_Display_EdidData_Get")) {
-            result = static_cast<int>(*fault);
-            return true;
-        }
-        const auto adapters = Adapters(state);
-        if (iAdapterIndex < 0 || static_cast<size_t>(iAdapterIndex) >= adapters.size()) {
-            result = kInvalidParameter;
-            refused = "no adapter " + std::to_string(iAdapterIndex);
-            return true;
-        }
-        const auto displays = Displays(*adapters[static_cast<size_t>(iAdapterIndex)]);
-        if (iDisplayIndex < 0 || static_cast<size_t>(iDisplayIndex) >= displays.size()) {
-            result = kInvalidParameter;
-            refused = "no display " + std::to_string(iDisplayIndex) + " on adapter " + std::to_string(iAdapterIndex);
-            return true;
-        }
-        bytes = DisplayEdid(*displays[static_cast<size_t>(iDisplayIndex)]);
-        return true;
-    });
-    if (!refused.empty()) {
-        return record.Refuse(result, refused);
-    }
-    if (result != kOk) {
-        return record.Done(result);
-    }
-    // One 128-byte block per call; a block past the EDID's end does not exist.
-    const size_t block = static_cast<size_t>(edid.iBlockIndex) * 128;
-    if (edid.iBlockIndex < 0 || block >= bytes.size()) {
-        return record.Refuse(kInvalidParameter,
-                             "iBlockIndex " + std::to_string(edid.iBlockIndex) + " is not a block of the EDID");
-    }
-    const size_t available = std::min<size_t>(bytes.size() - block, 128);
-    std::memset(edid.cEDIDData, 0, sizeof edid.cEDIDData);
-    std::memcpy(edid.cEDIDData, bytes.data() + block, available);
-    edid.iEDIDSize = static_cast<int>(available);
-    std::memcpy(lpEDIDData, &edid, sizeof edid);
-    if (available >= 12) {
-        record.Text("panel", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(edid.cEDIDData) + 8, 4));
-    }
-    return record.Done(kOk);
+    return OnDisplayRecord(
+        "ADL2_Display_EdidData_Get", handle, iAdapterIndex, iDisplayIndex, lpEDIDData, "no EDID record",
+        [&](Record& record, EdidData& edid) {
+            if (edid.iFlag != 0) {
+                return record.Refuse(kInvalidParameter, "iFlag " + std::to_string(edid.iFlag) + " is not zero");
+            }
+            if (const auto reserved = LumavenSim::FirstNonZero(edid.iReserved)) {
+                return record.Refuse(kInvalidParameter, "iReserved[" + std::to_string(*reserved) + "] is not zero");
+            }
+            int result = kOk;
+            std::string refused;
+            std::vector<uint8_t> bytes;
+            LumavenSim::WithState([&](rapidjson::Document& state) {
+                if (TookFault(state, "ADL2_Display_EdidData_Get", result)) {
+                    return true;
+                }
+                const auto adapters = Adapters(state);
+                if (iAdapterIndex < 0 || static_cast<size_t>(iAdapterIndex) >= adapters.size()) {
+                    result = kInvalidParameter;
+                    refused = "no adapter " + std::to_string(iAdapterIndex);
+                    return true;
+                }
+                const auto displays = Displays(*adapters[static_cast<size_t>(iAdapterIndex)]);
+                if (iDisplayIndex < 0 || static_cast<size_t>(iDisplayIndex) >= displays.size()) {
+                    result = kInvalidParameter;
+                    refused =
+                        "no display " + std::to_string(iDisplayIndex) + " on adapter " + std::to_string(iAdapterIndex);
+                    return true;
+                }
+                bytes = DisplayEdid(*displays[static_cast<size_t>(iDisplayIndex)]);
+                return true;
+            });
+            if (!refused.empty()) {
+                return record.Refuse(result, refused);
+            }
+            if (result != kOk) {
+                return record.Done(result);
+            }
+            // One 128-byte block per call; a block past the EDID's end does not exist.
+            const size_t block = static_cast<size_t>(edid.iBlockIndex) * 128;
+            if (edid.iBlockIndex < 0 || block >= bytes.size()) {
+                return record.Refuse(kInvalidParameter,
+                                     "iBlockIndex " + std::to_string(edid.iBlockIndex) + " is not a block of the EDID");
+            }
+            const size_t available = std::min<size_t>(bytes.size() - block, 128);
+            std::memset(edid.cEDIDData, 0, sizeof edid.cEDIDData);
+            std::memcpy(edid.cEDIDData, bytes.data() + block, available);
+            edid.iEDIDSize = static_cast<int>(available);
+            std::memcpy(lpEDIDData, &edid, sizeof edid);
+            if (available >= 12) {
+                record.Text("panel", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(edid.cEDIDData) + 8, 4));
+            }
+            return record.Done(kOk);
+        });
 }
 
 // Writes (command 1) or reads (command 2) the register file of the display with this adapter
 // index and display index, and logs the whole record as it arrived.
 int ADL2_Display_NativeAUXChannel_Access(Context handle, int iAdapterIndex, int iDisplayIndex, AuxChannelData* lpData)
 {
-    if (Detached("ADL2_Display_NativeAUXChannel_Access")) {
-        return kNotInitialized;
-    }
-    Record record("ADL2_Display_NativeAUXChannel_Access");
-    record.Int("adapter", iAdapterIndex).Int("display", iDisplayIndex);
-    if (AsContext(handle) == nullptr) {
-        return record.RefuseContext(handle);
-    }
-    if (lpData == nullptr) {
-        return record.Refuse(kNullPointer, "no AUX record");
-    }
-    // Nothing past iSize is read from a record of another size.
-    AuxChannelData data{};
-    std::memcpy(&data.iSize, lpData, sizeof data.iSize);
-    if (data.iSize != static_cast<int>(sizeof data)) {
-        record.Int("size", data.iSize);
-        return record.Refuse(kInvalidParameter,
-                             "iSize " + std::to_string(data.iSize) + ", expected " + std::to_string(sizeof data));
-    }
-    std::memcpy(&data, lpData, sizeof data);
-    const size_t count = static_cast<size_t>(std::clamp(data.iDataSize, 0, kMaxAuxData));
-    record.Int("size", data.iSize)
-        .Int("auxStatus", data.iAuxStatus)
-        .Int("command", data.iCommand)
-        .Int("address", data.iAddress)
-        .Int("dataSize", data.iDataSize)
-        .Text("data", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(data.cData), sizeof data.cData))
-        .Text("bytes", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(data.cData), count));
-    int result = kOk;
-    std::string refused;
-    LumavenSim::WithState([&](rapidjson::Document& state) {
-        if (const auto fault = LumavenSim::TakeFault(state, "ADL2_Display_NativeAUXChannel_Access")) {
-            result = static_cast<int>(*fault);
-            return true;
-        }
-        refused = CheckAux(data);
-        rapidjson::Value* adapter = FindAdapterByIndex(state, iAdapterIndex);
-        rapidjson::Value* display = adapter != nullptr ? FindDisplayByIndex(*adapter, iDisplayIndex) : nullptr;
-        if (refused.empty() && display == nullptr) {
-            refused = "no display " + std::to_string(iDisplayIndex) + " on adapter " + std::to_string(iAdapterIndex);
-        }
-        if (!refused.empty()) {
-            result = kInvalidParameter;
-            return true;
-        }
-        rapidjson::Value& registers = RegisterFile(state, *display);
-        for (size_t i = 0; i < count; ++i) {
-            const std::string name = RegisterName(static_cast<uint32_t>(data.iAddress) + static_cast<uint32_t>(i));
-            auto& bytes = reinterpret_cast<uint8_t(&)[kMaxAuxData]>(data.cData);
-            if (data.iCommand == kAuxCommandWrite) {
-                registers.RemoveMember(name.c_str());
-                registers.AddMember(rapidjson::Value(name.c_str(), state.GetAllocator()), rapidjson::Value(bytes[i]),
-                                    state.GetAllocator());
-            } else {
-                bytes[i] = registers.HasMember(name.c_str()) && registers[name.c_str()].IsUint()
-                               ? static_cast<uint8_t>(registers[name.c_str()].GetUint())
-                               : 0;
+    return OnDisplayRecord(
+        "ADL2_Display_NativeAUXChannel_Access", handle, iAdapterIndex, iDisplayIndex, lpData, "no AUX record",
+        [&](Record& record, AuxChannelData& data) {
+            const size_t count = static_cast<size_t>(std::clamp(data.iDataSize, 0, kMaxAuxData));
+            record.Int("auxStatus", data.iAuxStatus)
+                .Int("command", data.iCommand)
+                .Int("address", data.iAddress)
+                .Int("dataSize", data.iDataSize)
+                .Text("data", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(data.cData), sizeof data.cData))
+                .Text("bytes", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(data.cData), count));
+            int result = kOk;
+            std::string refused;
+            LumavenSim::WithState([&](rapidjson::Document& state) {
+                if (TookFault(state, "ADL2_Display_NativeAUXChannel_Access", result)) {
+                    return true;
+                }
+                refused = CheckAux(data);
+                rapidjson::Value* adapter = FindAdapterByIndex(state, iAdapterIndex);
+                rapidjson::Value* display = adapter != nullptr ? FindDisplayByIndex(*adapter, iDisplayIndex) : nullptr;
+                if (refused.empty() && display == nullptr) {
+                    refused =
+                        "no display " + std::to_string(iDisplayIndex) + " on adapter " + std::to_string(iAdapterIndex);
+                }
+                if (!refused.empty()) {
+                    result = kInvalidParameter;
+                    return true;
+                }
+                rapidjson::Value& registers = RegisterFile(state, *display);
+                for (size_t i = 0; i < count; ++i) {
+                    const std::string name =
+                        RegisterName(static_cast<uint32_t>(data.iAddress) + static_cast<uint32_t>(i));
+                    auto& bytes = reinterpret_cast<uint8_t(&)[kMaxAuxData]>(data.cData);
+                    if (data.iCommand == kAuxCommandWrite) {
+                        registers.RemoveMember(name.c_str());
+                        registers.AddMember(rapidjson::Value(name.c_str(), state.GetAllocator()),
+                                            rapidjson::Value(bytes[i]), state.GetAllocator());
+                    } else {
+                        bytes[i] = registers.HasMember(name.c_str()) && registers[name.c_str()].IsUint()
+                                       ? static_cast<uint8_t>(registers[name.c_str()].GetUint())
+                                       : 0;
+                    }
+                }
+                data.iAuxStatus = kAuxStatusSuccessful;
+                return true;
+            });
+            if (!refused.empty()) {
+                return record.Refuse(result, refused);
             }
-        }
-        data.iAuxStatus = kAuxStatusSuccessful;
-        return true;
-    });
-    if (!refused.empty()) {
-        return record.Refuse(result, refused);
-    }
-    if (result == kOk) {
-        std::memcpy(lpData, &data, sizeof data);
-        record.Int("auxStatusOut", data.iAuxStatus);
-    }
-    return record.Done(result);
+            if (result == kOk) {
+                std::memcpy(lpData, &data, sizeof data);
+                record.Int("auxStatusOut", data.iAuxStatus);
+            }
+            return record.Done(result);
+        });
 }
 
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved)

@@ -750,38 +750,36 @@ Result Initialize(Record& record, const char* call, uint64_t version, System** p
     return record.Done(kOk);
 }
 
+// The two version queries: refused after the detach or without a place to fill; otherwise
+// `value` is written there, unless the profile injects a fault.
+template <class Value>
+Result QueryVersion(const char* call, Value* out, Value value)
+{
+    if (Detached(call)) {
+        return kTerminated;
+    }
+    Record record(call);
+    if (out == nullptr) {
+        return record.Refused("no version to fill").Done(kInvalidArgs);
+    }
+    return record.Done(WithFaultableState(call, [out, value](rapidjson::Document&) {
+        *out = value;
+        return kOk;
+    }));
+}
+
 }  // namespace
 
 extern "C" {
 
 Result ADLXQueryFullVersion(uint64_t* fullVersion)
 {
-    if (Detached("ADLXQueryFullVersion")) {
-        return kTerminated;
-    }
-    Record record("ADLXQueryFullVersion");
-    if (fullVersion == nullptr) {
-        return record.Refused("no version to fill").Done(kInvalidArgs);
-    }
-    return record.Done(WithFaultableState("ADLXQueryFullVersion", [fullVersion](rapidjson::Document&) {
-        *fullVersion = kFakeFullVersion;
-        return kOk;
-    }));
+    return QueryVersion("ADLXQueryFullVersion", fullVersion, kFakeFullVersion);
 }
 
 Result ADLXQueryVersion(const char** version)
 {
-    if (Detached("ADLXQueryVersion")) {
-        return kTerminated;
-    }
-    Record record("ADLXQueryVersion");
-    if (version == nullptr) {
-        return record.Refused("no version to fill").Done(kInvalidArgs);
-    }
-    return record.Done(WithFaultableState("ADLXQueryVersion", [version](rapidjson::Document&) {
-        *version = kFakeVersion;
-        return kOk;
-    }));
+    return QueryVersion<const char*>("ADLXQueryVersion", version, kFakeVersion);
 }
 
 // The caller's ADL context and its way of freeing ADL's memory are both needed.

@@ -2,12 +2,15 @@
 // on one command path and states everything the service must show for it. The list of fault
 // points at the top is the total the report counts against.
 #include "FaultRow.h"
+#include "ServiceAnswers.h"
 
 #include <cstdio>
 
 namespace LumavenFaults {
 
 namespace {
+
+using namespace LumavenTest::Answers;
 
 // ---- The fault points -------------------------------------------------------------------------
 
@@ -151,11 +154,6 @@ constexpr int64_t kAdlxFail = 3;
 constexpr int64_t kAdlxAlreadyEnabled = 1;
 constexpr int64_t kAdlxAlreadyInitialized = 2;
 
-// Statuses.
-constexpr uint32_t kOk = 0;
-constexpr uint32_t kRegistryError = 0x20000004;
-constexpr uint32_t kDeviceError = 0x20000005;
-
 Action Cmd(uint32_t command, const wchar_t* request = L"{}")
 {
     return {Act::Command, command, request};
@@ -166,20 +164,10 @@ const Action kOn14 = Cmd(14, L"{\"BValue\":true}");
 const Action kEvent{Act::Event, 0, nullptr};
 
 const wchar_t* const kNoResponse = nullptr;
-const wchar_t kEmpty[] = L"{}";
-const wchar_t kTrue[] = L"{\"result\":true}";
-const wchar_t kFalse[] = L"{\"result\":false}";
 const wchar_t kTrueTrue[] = L"{\"result\":true,\"result\":true}";
 const wchar_t kTrueFalse[] = L"{\"result\":true,\"result\":false}";
 const wchar_t kFalseTrue[] = L"{\"result\":false,\"result\":true}";
 const wchar_t kFalseFalse[] = L"{\"result\":false,\"result\":false}";
-
-std::wstring Hex(int64_t code)
-{
-    wchar_t text[16];
-    std::swprintf(text, 16, L"%llX", static_cast<unsigned long long>(code));
-    return text;
-}
 
 std::wstring SessionFailed(int64_t code)
 {

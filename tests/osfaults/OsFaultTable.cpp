@@ -3,11 +3,15 @@
 // defines for that failure.
 #include "OsFaultTable.h"
 
+#include "ServiceAnswers.h"
+
 #include <cwchar>
 
 namespace LumavenOsFaults {
 
 namespace {
+
+using namespace LumavenTest::Answers;
 
 using Lines = std::vector<std::wstring>;
 
@@ -19,7 +23,7 @@ constexpr intptr_t kFileNotFound = ERROR_FILE_NOT_FOUND;
 constexpr intptr_t kInvalidHandle = ERROR_INVALID_HANDLE;
 // Functions answering a handle or a BOOL: the value of the failed call, the code in the last error.
 constexpr intptr_t kNull = 0;
-constexpr intptr_t kFalse = FALSE;
+constexpr intptr_t kBoolFalse = FALSE;
 constexpr intptr_t kInvalidHandleValue = -1;
 constexpr DWORD kModuleNotFound = ERROR_MOD_NOT_FOUND;
 constexpr DWORD kProcedureNotFound = ERROR_PROC_NOT_FOUND;
@@ -59,22 +63,8 @@ Failure Nth(int nth, intptr_t value, DWORD lastError = 0)
 
 // ---- Statuses and texts ----------------------------------------------------------------------------
 
-constexpr uint32_t kOk = 0;
-constexpr uint32_t kRegistryError = 0x20000004;
-constexpr uint32_t kDeviceError = 0x20000005;
-
-const wchar_t kEmpty[] = L"{}";
-const wchar_t kTrue[] = L"{\"result\":true}";
-const wchar_t kFalseResult[] = L"{\"result\":false}";
 const wchar_t kOledOne[] = L"{\"result\":1}";
 const wchar_t kOledZero[] = L"{\"result\":0}";
-
-std::wstring Hex(uint32_t value)
-{
-    wchar_t text[16];
-    std::swprintf(text, 16, L"%x", value);
-    return text;
-}
 
 const std::wstring kVendorDetection =
     L"Xelto::Spanlet::Server::Services::Lumaven::LumavenService::CheckVideoControllerType";
@@ -90,7 +80,7 @@ std::wstring Vendor(int vendor)
 std::wstring WmiWarning(const wchar_t* operation, const wchar_t* label, uint32_t result)
 {
     return std::wstring(L"W:class Xelto::Spanlet::Server::Shared::WMI::PublicWmi.") + operation +
-           L" - failed on function " + label + L" with HRESULT 0x" + Hex(result);
+           L" - failed on function " + label + L" with HRESULT 0x" + Hex(result, true);
 }
 
 // The start-up's lines: the opening line, what vendor detection logged, its answer.
@@ -207,12 +197,12 @@ std::vector<OsFaultRow> MakeRows()
         // ---- Registry and SetupAPI: the panel check ----------------------------------------------
         // The factory walks the monitors; with no supported panel found it refuses.
         {.function = "SetupDiClassGuidsFromNameW",
-         .failure = Nth(1, kFalse, kNotEnoughMemory),
+         .failure = Nth(1, kBoolFalse, kNotEnoughMemory),
          .run = Entry::Factory,
          .created = false,
          .logs = {kUnsupported}},
         {.function = "SetupDiClassGuidsFromNameW",
-         .failure = Nth(2, kFalse, kNotEnoughMemory),
+         .failure = Nth(2, kBoolFalse, kNotEnoughMemory),
          .run = Entry::Factory,
          .created = false,
          .logs = {kUnsupported}},
@@ -228,7 +218,7 @@ std::vector<OsFaultRow> MakeRows()
          .created = false,
          .logs = {kUnsupported}},
         {.function = "SetupDiEnumDeviceInfo",
-         .failure = Nth(1, kFalse, kNoMoreItems),
+         .failure = Nth(1, kBoolFalse, kNoMoreItems),
          .run = Entry::Factory,
          .created = false,
          .logs = {kUnsupported}},
@@ -243,20 +233,20 @@ std::vector<OsFaultRow> MakeRows()
          .created = false,
          .logs = {kUnsupported}},
         {.function = "SetupDiDestroyDeviceInfoList",
-         .failure = Every(kFalse, kInvalidHandleError),
+         .failure = Every(kBoolFalse, kInvalidHandleError),
          .run = Entry::Factory},
         {.function = "RegCloseKey", .failure = Every(kInvalidHandle), .run = Entry::Factory},
         // The same walk inside commands: the panel support query, and the Intel writer, which
         // looks the panel up afresh.
         {.function = "SetupDiEnumDeviceInfo",
-         .failure = Nth(1, kFalse, kNoMoreItems),
+         .failure = Nth(1, kBoolFalse, kNoMoreItems),
          .command = 4,
-         .response = kFalseResult},
+         .response = kFalse},
         {.function = "SetupDiGetClassDevsW",
          .failure = Every(kInvalidHandleValue, kNotEnoughMemory),
          .command = 5,
          .before = Oled::Zero,
-         .response = kFalseResult,
+         .response = kFalse,
          .logs = {L"E:Can't find the Pid Vid"},
          .after = Oled::Zero},
 
@@ -360,7 +350,7 @@ std::vector<OsFaultRow> MakeRows()
          .status = kDeviceError,
          .response = kEmpty},
         {.function = "FreeLibrary",
-         .failure = Every(kFalse, kInvalidHandleError),
+         .failure = Every(kBoolFalse, kInvalidHandleError),
          .command = 8,
          .response = kTrue,
          .logs = {kOpstSupported}},
@@ -376,20 +366,20 @@ std::vector<OsFaultRow> MakeRows()
          .failure = Every(kNull, kModuleNotFound),
          .laptop = Laptop::Amd,
          .command = 10,
-         .response = kFalseResult},
+         .response = kFalse},
         {.function = "LoadLibraryW",
          .failure = Every(kNull, kModuleNotFound),
          .laptop = Laptop::Amd,
          .command = 9,
          .request = L"{\"BValue\":true}",
-         .response = kFalseResult,
+         .response = kFalse,
          .logs = {L"I:ADL library not found!"}},
         {.function = "GetProcAddress",
          .failure = Every(kNull, kProcedureNotFound),
          .laptop = Laptop::Amd,
          .command = 9,
          .request = L"{\"BValue\":true}",
-         .response = kFalseResult,
+         .response = kFalse,
          .logs = {L"I:ADL2's API is missing!"}},
         {.function = "LoadLibraryW",
          .failure = Every(kNull, kModuleNotFound),

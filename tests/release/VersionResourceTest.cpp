@@ -3,11 +3,13 @@
 #include "ProcessRunner.h"
 #include "ReleaseTree.h"
 #include "SimMachine.h"
+#include "VersionResource.h"
 
 #include <gtest/gtest.h>
 
 #include <windows.h>
 
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -52,47 +54,16 @@ protected:
             binary.installed ? InstallTree() + binary.installFolder : LumavenTest::ExecutableDirectory();
         return folder + L"\\" + binary.fileName;
     }
-
-    // The string table value `name`, in the resource's first language.
-    std::wstring StringValue(const std::vector<BYTE>& block, const wchar_t* name) const
-    {
-        struct Translation {
-            WORD language;
-            WORD codePage;
-        };
-        Translation* translations = nullptr;
-        UINT length = 0;
-        if (!VerQueryValueW(block.data(), L"\\VarFileInfo\\Translation", reinterpret_cast<void**>(&translations),
-                            &length) ||
-            length < sizeof(Translation)) {
-            ADD_FAILURE() << "VerQueryValueW(\\VarFileInfo\\Translation) found no translation, length " << length;
-            return {};
-        }
-        wchar_t key[96];
-        swprintf(key, 96, L"\\StringFileInfo\\%04x%04x\\%ls", translations[0].language, translations[0].codePage, name);
-        wchar_t* value = nullptr;
-        if (!VerQueryValueW(block.data(), key, reinterpret_cast<void**>(&value), &length)) {
-            ADD_FAILURE() << "VerQueryValueW(" << testing::PrintToString(std::wstring(key)) << ") failed";
-            return {};
-        }
-        return value;
-    }
 };
 
 TEST_P(VersionResource, CarriesTheProjectVersion)
 {
     const std::wstring path = Path();
-    DWORD ignored = 0;
-    const DWORD size = GetFileVersionInfoSizeW(path.c_str(), &ignored);
-    ASSERT_NE(size, 0u) << "GetFileVersionInfoSizeW(" << testing::PrintToString(path) << ") got 0, error "
-                        << GetLastError();
-    std::vector<BYTE> block(size);
-    ASSERT_TRUE(GetFileVersionInfoW(path.c_str(), 0, size, block.data())) << "error " << GetLastError();
-
-    VS_FIXEDFILEINFO* fixed = nullptr;
-    UINT length = 0;
-    ASSERT_TRUE(VerQueryValueW(block.data(), L"\\", reinterpret_cast<void**>(&fixed), &length));
-    ASSERT_GE(length, sizeof(VS_FIXEDFILEINFO));
+    const XeltoClient::VersionResource resource(path);
+    ASSERT_TRUE(resource.Loaded()) << "GetFileVersionInfoW(" << testing::PrintToString(path) << ") failed, error "
+                                   << GetLastError();
+    const VS_FIXEDFILEINFO* const fixed = resource.Fixed();
+    ASSERT_NE(fixed, nullptr) << "VerQueryValueW(\\) found no fixed part";
     EXPECT_EQ(fixed->dwSignature, 0xFEEF04BDu);
     const DWORD versionHigh = (LUMAVEN_TEST_VERSION_MAJOR << 16) | LUMAVEN_TEST_VERSION_MINOR;
     const DWORD versionLow = LUMAVEN_TEST_VERSION_PATCH << 16;
@@ -103,11 +74,11 @@ TEST_P(VersionResource, CarriesTheProjectVersion)
     const bool isDll = std::wstring(GetParam().fileName).ends_with(L".dll");
     EXPECT_EQ(fixed->dwFileType, isDll ? static_cast<DWORD>(VFT_DLL) : static_cast<DWORD>(VFT_APP));
 
-    EXPECT_EQ(StringValue(block, L"ProductVersion"), kVersion);
-    EXPECT_EQ(StringValue(block, L"FileVersion"), kVersion);
-    EXPECT_EQ(StringValue(block, L"ProductName"), L"Lumaven");
-    EXPECT_EQ(StringValue(block, L"OriginalFilename"), GetParam().fileName);
-    EXPECT_FALSE(StringValue(block, L"FileDescription").empty());
+    EXPECT_EQ(resource.String(L"ProductVersion"), kVersion);
+    EXPECT_EQ(resource.String(L"FileVersion"), kVersion);
+    EXPECT_EQ(resource.String(L"ProductName"), L"Lumaven");
+    EXPECT_EQ(resource.String(L"OriginalFilename"), GetParam().fileName);
+    EXPECT_NE(resource.String(L"FileDescription"), std::nullopt) << "absent or empty";
 }
 
 INSTANTIATE_TEST_SUITE_P(ShippedBinaries, VersionResource, testing::ValuesIn(kBinaries),

@@ -6,7 +6,9 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace LumavenReliability {
 
@@ -150,17 +152,8 @@ std::string CheckOledValue()
 
 bool MayStoreOled(uint32_t command)
 {
-    switch (command) {
-    case 1:
-    case 2:
-    case 3:
-    case 5:
-    case 6:
-    case 9:
-    case 11:
-    case 12: return true;
-    default: return false;
-    }
+    constexpr uint32_t kStoring[] = {1, 2, 3, 5, 6, 9, 11, 12};
+    return std::find(std::begin(kStoring), std::end(kStoring), command) != std::end(kStoring);
 }
 
 void ProblemList::Problem(const std::string& what)

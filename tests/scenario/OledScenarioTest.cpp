@@ -6,6 +6,7 @@
 #include "LogCapture.h"
 #include "XeltoClient.h"
 #include "Registry.h"
+#include "ServiceAnswers.h"
 #include "SimMachine.h"
 #include "SimState.h"
 
@@ -14,11 +15,14 @@
 
 #include <algorithm>
 #include <chrono>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
 using LumavenTest::HostedService;
 using LumavenTest::LogCapture;
+using LumavenTest::Answers::kFalse;
+using LumavenTest::Answers::kTrue;
 using std::chrono::milliseconds;
 using XeltoClient::kConsoleDisplayState;
 using XeltoClient::kLidSwitchStateChange;
@@ -81,6 +85,21 @@ const rapidjson::Value& AdlxDisplay(const rapidjson::Document& state)
     return state["adlx"]["displays"][0];
 }
 
+// One command of a sequence and the response it must give.
+struct Step {
+    uint32_t command;
+    const wchar_t* response;
+    const wchar_t* request = L"{}";
+};
+
+// Runs the steps on `host` in their order.
+void ExpectResponses(HostedService& host, std::initializer_list<Step> steps)
+{
+    for (const Step& step : steps) {
+        EXPECT_EQ(host.Run(step.command, step.request).response, step.response) << "command " << step.command;
+    }
+}
+
 }  // namespace
 
 // A shipped laptop profile on a machine whose setting was never written.
@@ -103,33 +122,33 @@ TEST_F(IntelLaptop, QueriesAnswerForTheFittedPanel)
 {
     HostedService host;
     ASSERT_TRUE(host.Created());
-    EXPECT_EQ(host.Run(4).response, L"{\"result\":true}");
-    EXPECT_EQ(host.Run(7).response, L"{\"result\":0}");
-    EXPECT_EQ(host.Run(8).response, L"{\"result\":true}");
-    // The OPST support handler adds its own member before the composite's.
-    EXPECT_EQ(host.Run(10).response, L"{\"result\":true,\"result\":true}");
-    EXPECT_EQ(host.Run(13).response, L"{\"result\":false}");
-    EXPECT_EQ(host.Run(1).response, L"{\"result\":false}");
+    // The OPST support handler adds its own member to 10 before the composite's.
+    ExpectResponses(host, {{4, kTrue},
+                           {7, L"{\"result\":0}"},
+                           {8, kTrue},
+                           {10, L"{\"result\":true,\"result\":true}"},
+                           {13, kFalse},
+                           {1, kFalse}});
 }
 
 TEST_F(IntelLaptop, PowerSaveOnAndOffSwitchOpstAndThePanel)
 {
     HostedService host;
-    auto on = host.Run(11);
-    EXPECT_EQ(on.status, kSuccess);
-    EXPECT_EQ(on.response, L"{\"result\":true,\"result\":true}");
-    EXPECT_EQ(LumavenSim::Intel::ReadRegisters(0, 0, 0x4027, 1), std::vector<uint8_t>{0xC0});
-    EXPECT_TRUE(LumavenSim::Intel::OpstEnabled(0, 0));
-    EXPECT_EQ(LumavenTest::OledDword(), 1u);
-    EXPECT_EQ(host.Run(1).response, L"{\"result\":true}");
-    EXPECT_EQ(host.Run(7).response, L"{\"result\":1}");
-
-    auto off = host.Run(12);
-    EXPECT_EQ(off.status, kSuccess);
-    EXPECT_EQ(off.response, L"{\"result\":true,\"result\":true}");
-    EXPECT_EQ(LumavenSim::Intel::ReadRegisters(0, 0, 0x4027, 1), std::vector<uint8_t>{0x00});
-    EXPECT_FALSE(LumavenSim::Intel::OpstEnabled(0, 0));
-    EXPECT_EQ(LumavenTest::OledDword(), 0u);
+    // Power save on (11) or off (12): both members true, and the panel's register, OPST and
+    // the stored setting all follow.
+    const auto expectSwitched = [&host](uint32_t command, bool on) {
+        const auto reply = host.Run(command);
+        EXPECT_EQ(reply.status, kSuccess) << command;
+        EXPECT_EQ(reply.response, L"{\"result\":true,\"result\":true}") << command;
+        EXPECT_EQ(LumavenSim::Intel::ReadRegisters(0, 0, 0x4027, 1),
+                  std::vector<uint8_t>{on ? uint8_t{0xC0} : uint8_t{0}})
+            << command;
+        EXPECT_EQ(LumavenSim::Intel::OpstEnabled(0, 0), on) << command;
+        EXPECT_EQ(LumavenTest::OledDword(), on ? 1u : 0u) << command;
+    };
+    expectSwitched(11, true);
+    ExpectResponses(host, {{1, kTrue}, {7, L"{\"result\":1}"}});
+    expectSwitched(12, false);
 }
 
 TEST_F(IntelLaptop, ElpSetterFollowsBValue)
@@ -190,10 +209,7 @@ TEST_F(AmdLaptop, VaribrightNeedsAnOledCommandFirst)
 {
     HostedService host;
     ASSERT_TRUE(host.Created());
-    EXPECT_EQ(host.Run(13).response, L"{\"result\":false}");
-    EXPECT_EQ(host.Run(10).response, L"{\"result\":true}");
-    EXPECT_EQ(host.Run(13).response, L"{\"result\":true}");
-    EXPECT_EQ(host.Run(14, L"{\"BValue\":true}").response, L"{\"result\":true}");
+    ExpectResponses(host, {{13, kFalse}, {10, kTrue}, {13, kTrue}, {14, kTrue, L"{\"BValue\":true}"}});
     EXPECT_TRUE(AdlxDisplay(State())["varibrightEnabled"].GetBool());
 }
 

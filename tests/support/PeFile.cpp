@@ -69,61 +69,75 @@ struct PeImage {
         size = directory.Size;
         return directory.VirtualAddress != 0 && ToOffset(directory.VirtualAddress, offset);
     }
+
+    // The NUL-terminated text at file offset `at`, cut at the end of the file.
+    std::string TextAt(size_t at) const
+    {
+        return std::string(file.data() + at, strnlen(file.data() + at, file.size() - at));
+    }
 };
+
+// A PE file read whole, and where one of its data directories lies in it.
+struct PeDirectory {
+    PeImage image;
+    size_t offset = 0;
+    DWORD size = 0;
+};
+
+// Nothing when the file is not a 64-bit PE file or has no such directory.
+std::optional<PeDirectory> LoadDirectory(const std::wstring& path, unsigned index)
+{
+    PeDirectory found;
+    if (!found.image.Load(path) || !found.image.Directory(index, found.offset, found.size)) {
+        return std::nullopt;
+    }
+    return found;
+}
 
 }  // namespace
 
 std::vector<std::string> ExportedNames(const std::wstring& path)
 {
-    PeImage image;
-    size_t exportOffset = 0;
-    DWORD exportSize = 0;
+    const auto found = LoadDirectory(path, IMAGE_DIRECTORY_ENTRY_EXPORT);
     IMAGE_EXPORT_DIRECTORY exports;
-    if (!image.Load(path) || !image.Directory(IMAGE_DIRECTORY_ENTRY_EXPORT, exportOffset, exportSize) ||
-        !ReadAt(image.file, exportOffset, exports)) {
-        return {};
-    }
     size_t namesOffset = 0;
-    if (!image.ToOffset(exports.AddressOfNames, namesOffset)) {
+    if (!found || !ReadAt(found->image.file, found->offset, exports) ||
+        !found->image.ToOffset(exports.AddressOfNames, namesOffset)) {
         return {};
     }
-    const std::vector<char>& file = image.file;
+    const PeImage& image = found->image;
     std::vector<std::string> names;
     for (DWORD i = 0; i < exports.NumberOfNames; ++i) {
         DWORD nameRva = 0;
         size_t nameOffset = 0;
-        if (!ReadAt(file, namesOffset + i * sizeof(DWORD), nameRva) || !image.ToOffset(nameRva, nameOffset)) {
+        if (!ReadAt(image.file, namesOffset + i * sizeof(DWORD), nameRva) || !image.ToOffset(nameRva, nameOffset)) {
             return {};
         }
-        names.emplace_back(file.data() + nameOffset, strnlen(file.data() + nameOffset, file.size() - nameOffset));
+        names.push_back(image.TextAt(nameOffset));
     }
     return names;
 }
 
 std::vector<ImportedName> ImportedNames(const std::wstring& path)
 {
-    PeImage image;
-    size_t offset = 0;
-    DWORD size = 0;
-    if (!image.Load(path) || !image.Directory(IMAGE_DIRECTORY_ENTRY_IMPORT, offset, size)) {
+    const auto found = LoadDirectory(path, IMAGE_DIRECTORY_ENTRY_IMPORT);
+    if (!found) {
         return {};
     }
-    const std::vector<char>& file = image.file;
-    const auto text = [&file](size_t at) {
-        return std::string(file.data() + at, strnlen(file.data() + at, file.size() - at));
-    };
+    const PeImage& image = found->image;
     std::vector<ImportedName> names;
     IMAGE_IMPORT_DESCRIPTOR descriptor;
-    for (size_t entry = offset; ReadAt(file, entry, descriptor) && descriptor.Name != 0; entry += sizeof descriptor) {
+    for (size_t entry = found->offset; ReadAt(image.file, entry, descriptor) && descriptor.Name != 0;
+         entry += sizeof descriptor) {
         size_t libraryOffset = 0;
         size_t thunks = 0;
         const DWORD lookup = descriptor.OriginalFirstThunk != 0 ? descriptor.OriginalFirstThunk : descriptor.FirstThunk;
         if (!image.ToOffset(descriptor.Name, libraryOffset) || !image.ToOffset(lookup, thunks)) {
             return {};
         }
-        const std::string library = text(libraryOffset);
+        const std::string library = image.TextAt(libraryOffset);
         uint64_t thunk = 0;
-        for (size_t at = thunks; ReadAt(file, at, thunk) && thunk != 0; at += sizeof thunk) {
+        for (size_t at = thunks; ReadAt(image.file, at, thunk) && thunk != 0; at += sizeof thunk) {
             size_t hintName = 0;
             if ((thunk & IMAGE_ORDINAL_FLAG64) != 0) {
                 continue;  // by ordinal: no name to report
@@ -131,7 +145,7 @@ std::vector<ImportedName> ImportedNames(const std::wstring& path)
             if (!image.ToOffset(static_cast<DWORD>(thunk), hintName)) {
                 return {};
             }
-            names.push_back({library, text(hintName + sizeof(WORD))});
+            names.push_back({library, image.TextAt(hintName + sizeof(WORD))});
         }
     }
     return names;
@@ -139,16 +153,15 @@ std::vector<ImportedName> ImportedNames(const std::wstring& path)
 
 std::optional<CodeViewRecord> ReadCodeViewRecord(const std::wstring& path)
 {
-    PeImage image;
-    size_t debugOffset = 0;
-    DWORD debugSize = 0;
-    if (!image.Load(path) || !image.Directory(IMAGE_DIRECTORY_ENTRY_DEBUG, debugOffset, debugSize)) {
+    const auto found = LoadDirectory(path, IMAGE_DIRECTORY_ENTRY_DEBUG);
+    if (!found) {
         return std::nullopt;
     }
-    const std::vector<char>& file = image.file;
-    for (size_t entry = 0; entry + sizeof(IMAGE_DEBUG_DIRECTORY) <= debugSize; entry += sizeof(IMAGE_DEBUG_DIRECTORY)) {
+    const std::vector<char>& file = found->image.file;
+    for (size_t entry = 0; entry + sizeof(IMAGE_DEBUG_DIRECTORY) <= found->size;
+         entry += sizeof(IMAGE_DEBUG_DIRECTORY)) {
         IMAGE_DEBUG_DIRECTORY debug;
-        if (!ReadAt(file, debugOffset + entry, debug)) {
+        if (!ReadAt(file, found->offset + entry, debug)) {
             return std::nullopt;
         }
         // RSDS, the GUID, the age, then the PDB path up to its terminator.

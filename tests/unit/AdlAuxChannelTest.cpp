@@ -51,6 +51,12 @@ Profile::Machine Laptop(std::vector<Profile::AmdAdapter> adapters,
             .counts = std::move(counts)};
 }
 
+// The one adapter most tests need: index 0, with the panel as a connected and mapped display.
+std::vector<Profile::AmdAdapter> PanelAdapter()
+{
+    return {Adapter(0, {Display(3, 0)})};
+}
+
 std::vector<AuxWrite> OnSequence(PanelId panel)
 {
     return BuildAuxDataMap().at(AuxDataKey{panel, true});
@@ -60,6 +66,13 @@ class AdlAuxChannel : public testing::Test {
 protected:
     void SetUp() override { ReleaseAdlBinding(); }
     void TearDown() override { ReleaseAdlBinding(); }
+
+    // Writes panel 416C's on sequence, capturing the log from here; WriteAuxDataAmd's answer.
+    bool WriteOn()
+    {
+        m_capture.Clear();
+        return WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C));
+    }
 
     std::vector<std::wstring> Logged() const { return m_capture.Texts(); }
     void ExpectAllAtInformationLevel() const
@@ -105,9 +118,8 @@ int64_t Register(const rapidjson::Document& state, size_t adapter, size_t displa
 
 TEST_F(AdlAuxChannel, NeitherLibraryPresentLogsLibraryNotFound)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {}));
-    m_capture.Clear();
-    EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+    InstallProfile(Laptop(PanelAdapter(), {}));
+    EXPECT_FALSE(WriteOn());
     EXPECT_EQ(Logged(), std::vector<std::wstring>{L"ADL library not found!"});
     ExpectAllAtInformationLevel();
     EXPECT_TRUE(Calls().empty());
@@ -115,7 +127,7 @@ TEST_F(AdlAuxChannel, NeitherLibraryPresentLogsLibraryNotFound)
 
 TEST_F(AdlAuxChannel, WritesThePanelSequenceThroughAdapter0Display0)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}));
+    InstallProfile(Laptop(PanelAdapter()));
     m_capture.Clear();
     const std::vector<AuxWrite> writes = OnSequence(kPanel416C);
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, writes));
@@ -181,7 +193,7 @@ TEST_F(AdlAuxChannel, ThreeByteWritesAreOneTransactionEach)
 
 TEST_F(AdlAuxChannel, FallsBackToAtiadlxy)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxy.dll", "atiadlxx.dll"}}));
+    InstallProfile(Laptop(PanelAdapter(), {{"atiadlxy.dll", "atiadlxx.dll"}}));
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     const auto records = LumavenSim::TransactionLog::Read().Records();
     ASSERT_FALSE(records.empty());
@@ -193,8 +205,7 @@ TEST_F(AdlAuxChannel, FallsBackToAtiadlxy)
 
 TEST_F(AdlAuxChannel, PrefersAtiadlxxWhenBothArePresent)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})},
-                          {{"atiadlxx.dll", "atiadlxx.dll"}, {"atiadlxy.dll", "atiadlxx_noaux.dll"}}));
+    InstallProfile(Laptop(PanelAdapter(), {{"atiadlxx.dll", "atiadlxx.dll"}, {"atiadlxy.dll", "atiadlxx_noaux.dll"}}));
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     for (const auto& record : LumavenSim::TransactionLog::Read().Records()) {
         EXPECT_EQ(Text(record, "lib"), "atiadlxx.dll") << record.Call();
@@ -203,9 +214,8 @@ TEST_F(AdlAuxChannel, PrefersAtiadlxxWhenBothArePresent)
 
 TEST_F(AdlAuxChannel, MissingAuxEntryPointHasItsOwnMessageAndWritesNothing)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx_noaux.dll"}}));
-    m_capture.Clear();
-    EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+    InstallProfile(Laptop(PanelAdapter(), {{"atiadlxx.dll", "atiadlxx_noaux.dll"}}));
+    EXPECT_FALSE(WriteOn());
     EXPECT_EQ(Logged(), std::vector<std::wstring>{L"ADL2_Display_NativeAUXChannel_Access API is missing!"});
     ExpectAllAtInformationLevel();
     EXPECT_TRUE(Calls().empty()) << "ADL is not even initialised";
@@ -223,7 +233,7 @@ TEST_F(AdlAuxChannel, EachMissingRequiredEntryPointLogsApiMissing)
     for (const char* library : {"atiadlxx_nocreate.dll", "atiadlxx_nocount.dll", "atiadlxx_noadapterinfo.dll",
                                 "atiadlxx_nodisplayinfo.dll", "atiadlxx_nodestroy.dll"}) {
         SCOPED_TRACE(library);
-        InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", library}}));
+        InstallProfile(Laptop(PanelAdapter(), {{"atiadlxx.dll", library}}));
         m_capture.Clear();
         EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
         EXPECT_EQ(Logged(), std::vector<std::wstring>{L"ADL2's API is missing!"});
@@ -235,20 +245,18 @@ TEST_F(AdlAuxChannel, EachMissingRequiredEntryPointLogsApiMissing)
 
 TEST_F(AdlAuxChannel, FailedCreateLogsInitializationError)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx.dll"}},
+    InstallProfile(Laptop(PanelAdapter(), {{"atiadlxx.dll", "atiadlxx.dll"}},
                           {{.function = "ADL2_Main_Control_Create", .code = -1}}));
-    m_capture.Clear();
-    EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+    EXPECT_FALSE(WriteOn());
     EXPECT_EQ(Logged(), std::vector<std::wstring>{L"ADL Initialization Error!"});
     EXPECT_EQ(Calls(), std::vector<std::string>{"ADL2_Main_Control_Create"});
 }
 
 TEST_F(AdlAuxChannel, FailedAdapterCountLeavesTheContextForTheRelease)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx.dll"}},
+    InstallProfile(Laptop(PanelAdapter(), {{"atiadlxx.dll", "atiadlxx.dll"}},
                           {{.function = "ADL2_Adapter_NumberOfAdapters_Get", .code = -2}}));
-    m_capture.Clear();
-    EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+    EXPECT_FALSE(WriteOn());
     EXPECT_EQ(Logged(), std::vector<std::wstring>{L"Cannot get the number of adapters!"});
     EXPECT_EQ(StateNumber("amd", "unloads"), 0);
     ReleaseAdlBinding();
@@ -261,8 +269,7 @@ TEST_F(AdlAuxChannel, FailedAdapterCountLeavesTheContextForTheRelease)
 TEST_F(AdlAuxChannel, ZeroAdaptersDestroysAndUnloads)
 {
     InstallProfile(Laptop({}));
-    m_capture.Clear();
-    EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+    EXPECT_FALSE(WriteOn());
     EXPECT_EQ(Logged(), std::vector<std::wstring>{L"nAdapter count=0"});
     EXPECT_EQ(Calls(), (std::vector<std::string>{"ADL2_Main_Control_Create", "ADL2_Adapter_NumberOfAdapters_Get",
                                                  "ADL2_Main_Control_Destroy"}));
@@ -273,13 +280,12 @@ TEST_F(AdlAuxChannel, ZeroAdaptersDestroysAndUnloads)
 TEST_F(AdlAuxChannel, AdapterBufferOverflowIsRefused)
 {
     // 1366084 records of 1572 bytes are the first count that reaches 0x80000000 bytes.
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}));
+    InstallProfile(Laptop(PanelAdapter()));
     LumavenSim::WithState([](rapidjson::Document& state) {
         state["amd"].AddMember("adapterCount", 1366084, state.GetAllocator());
         return true;
     });
-    m_capture.Clear();
-    EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+    EXPECT_FALSE(WriteOn());
     EXPECT_EQ(Logged(), (std::vector<std::wstring>{L"nAdapter count=1366084", L"lpAdapterInfo buffer size overflow"}));
     EXPECT_TRUE(RecordsOf("ADL2_Adapter_AdapterInfo_Get").empty());
 }
@@ -287,8 +293,7 @@ TEST_F(AdlAuxChannel, AdapterBufferOverflowIsRefused)
 TEST_F(AdlAuxChannel, ConnectedButUnmappedDisplayIsNeverConsidered)
 {
     InstallProfile(Laptop({Adapter(0, {Display(1, 0), Display(0, 0), Display(2, 0)})}));
-    m_capture.Clear();
-    EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+    EXPECT_TRUE(WriteOn());
     const auto edid = RecordsOf("ADL2_Display_EdidData_Get");
     ASSERT_EQ(edid.size(), 1u) << "only the mapped display (value 0x2) is read";
     EXPECT_EQ(Number(edid[0], "adapter"), 0);
@@ -364,8 +369,7 @@ TEST_F(AdlAuxChannel, MissingEdidEntryPointIsLoggedPerConsideredDisplay)
 {
     InstallProfile(
         Laptop({Adapter(0, {Display(3, 0), Display(1, 0), Display(2, 0)})}, {{"atiadlxx.dll", "atiadlxx_noedid.dll"}}));
-    m_capture.Clear();
-    EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+    EXPECT_FALSE(WriteOn());
     EXPECT_EQ(Logged(), (std::vector<std::wstring>{L"nAdapter count=1", L"display count=3", L"EDID API is NULL",
                                                    L"EDID API is NULL"}));
     ExpectAllAtInformationLevel();
@@ -404,7 +408,7 @@ TEST_F(AdlAuxChannel, AnotherPanelIsNotWritten)
 
 TEST_F(AdlAuxChannel, UnreadableEdidCountsAsIdentity0)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx.dll"}},
+    InstallProfile(Laptop(PanelAdapter(), {{"atiadlxx.dll", "atiadlxx.dll"}},
                           {{.function = "ADL2_Display_EdidData_Get", .code = -1}}));
     EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_TRUE(RecordsOf("ADL2_Display_NativeAUXChannel_Access").empty());
@@ -421,8 +425,7 @@ TEST_F(AdlAuxChannel, AdapterWhoseDisplaysCannotBeListedIsSkipped)
     InstallProfile(Laptop({Adapter(0, {Display(3, 0)}), Adapter(1, {Display(3, 1)})},
                           {{"atiadlxx.dll", "atiadlxx.dll"}},
                           {{.function = "ADL2_Display_DisplayInfo_Get", .code = -1, .nth = 1}}));
-    m_capture.Clear();
-    EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+    EXPECT_TRUE(WriteOn());
     EXPECT_EQ(Logged(), (std::vector<std::wstring>{L"nAdapter count=2", L"display count=1", L"Write AUX data"}));
     const auto edid = RecordsOf("ADL2_Display_EdidData_Get");
     ASSERT_EQ(edid.size(), 1u);
@@ -431,7 +434,7 @@ TEST_F(AdlAuxChannel, AdapterWhoseDisplaysCannotBeListedIsSkipped)
 
 TEST_F(AdlAuxChannel, RejectedAuxWritesAreNotNoticed)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx.dll"}},
+    InstallProfile(Laptop(PanelAdapter(), {{"atiadlxx.dll", "atiadlxx.dll"}},
                           {{.function = "ADL2_Display_NativeAUXChannel_Access", .code = -1, .nth = 2}}));
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     const auto aux = RecordsOf("ADL2_Display_NativeAUXChannel_Access");
@@ -444,7 +447,7 @@ TEST_F(AdlAuxChannel, RejectedAuxWritesAreNotNoticed)
 
 TEST_F(AdlAuxChannel, EveryCallStartsFromAFreshLoad)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx_noaux.dll"}}));
+    InstallProfile(Laptop(PanelAdapter(), {{"atiadlxx.dll", "atiadlxx_noaux.dll"}}));
     EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_EQ(StateNumber("amd", "loads"), 1);
     EXPECT_EQ(StateNumber("amd", "unloads"), 0);
@@ -461,7 +464,7 @@ TEST_F(AdlAuxChannel, EveryCallStartsFromAFreshLoad)
 
 TEST_F(AdlAuxChannel, SuccessiveWritesLoadAndUnloadEachTime)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}));
+    InstallProfile(Laptop(PanelAdapter()));
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, BuildAuxDataMap().at(AuxDataKey{kPanel416C, false})));
     EXPECT_EQ(RecordsOf("ADL2_Display_NativeAUXChannel_Access").size(), 10u);
@@ -473,7 +476,7 @@ TEST_F(AdlAuxChannel, SuccessiveWritesLoadAndUnloadEachTime)
 
 TEST_F(AdlAuxChannel, ServiceDestructorReleasesWhatAFailedWriteLeftLoaded)
 {
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx.dll"}},
+    InstallProfile(Laptop(PanelAdapter(), {{"atiadlxx.dll", "atiadlxx.dll"}},
                           {{.function = "ADL2_Adapter_NumberOfAdapters_Get", .code = -1}}));
     {
         LumavenService service;
@@ -488,10 +491,9 @@ TEST_F(AdlAuxChannel, NegativeAdapterCountIsNoAdapterAtAll)
 {
     // A count below zero is ADL failing without saying so: no buffer is asked for, nothing is
     // refused as too large, and the binding is released as after zero adapters.
-    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx.dll"}}, {},
+    InstallProfile(Laptop(PanelAdapter(), {{"atiadlxx.dll", "atiadlxx.dll"}}, {},
                           {{.function = "ADL2_Adapter_NumberOfAdapters_Get", .call = "count", .answer = -1}}));
-    m_capture.Clear();
-    EXPECT_FALSE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+    EXPECT_FALSE(WriteOn());
     EXPECT_EQ(Logged(), std::vector<std::wstring>{L"nAdapter count=-1"});
     EXPECT_EQ(Calls(), (std::vector<std::string>{"ADL2_Main_Control_Create", "ADL2_Adapter_NumberOfAdapters_Get",
                                                  "ADL2_Main_Control_Destroy"}));
@@ -505,8 +507,7 @@ TEST_F(AdlAuxChannel, AnEmptyDisplayListWithoutABufferPassesToTheNextAdapter)
     InstallProfile(Laptop({Adapter(0, {Display(3, 0)}), Adapter(1, {Display(3, 1)})},
                           {{"atiadlxx.dll", "atiadlxx.dll"}}, {},
                           {{.function = "ADL2_Display_DisplayInfo_Get", .call = "count", .answer = 0, .nth = 1}}));
-    m_capture.Clear();
-    EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+    EXPECT_TRUE(WriteOn());
     EXPECT_EQ(Logged(), (std::vector<std::wstring>{L"nAdapter count=2", L"display count=0", L"display count=1",
                                                    L"Write AUX data"}));
     const auto edid = RecordsOf("ADL2_Display_EdidData_Get");

@@ -8,12 +8,9 @@
 #include <string>
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
-using LumavenTest::ControlLibTest;
 namespace Intel = LumavenSim::Intel;
 
 namespace {
-
-class ControlLibClient : public ControlLibTest {};
 
 ctl_runtime_path_args_t RuntimePathArgs(wchar_t* path)
 {
@@ -22,6 +19,18 @@ ctl_runtime_path_args_t RuntimePathArgs(wchar_t* path)
     args.pRuntimePath = path;
     return args;
 }
+
+class ControlLibClient : public LumavenTest::ControlLibTest {
+protected:
+    // ctlClose of `api` answers `result` and leaves `module` as the library's module, the
+    // driver's unload counter at `unloads`.
+    static void ExpectClosed(ctl_api_handle_t api, ctl_result_t result, HMODULE module, int unloads)
+    {
+        EXPECT_EQ(ctlClose(api), result);
+        EXPECT_EQ(controlLibModule, module) << "after ctlClose";
+        EXPECT_EQ(Intel::Counter("unloads"), unloads) << "after ctlClose";
+    }
+};
 
 }  // namespace
 
@@ -42,9 +51,7 @@ TEST_F(ControlLibClient, InitLoadsControlLibFromSystem32AndCloseUnloadsIt)
     EXPECT_EQ(inits[0]["args"][0].GetUint64(), Address(&args));
     EXPECT_EQ(inits[0]["args"][1].GetUint64(), Address(&api));
 
-    EXPECT_EQ(ctlClose(api), CTL_RESULT_SUCCESS);
-    EXPECT_EQ(controlLibModule, nullptr);
-    EXPECT_EQ(Intel::Counter("unloads"), 1);
+    ExpectClosed(api, CTL_RESULT_SUCCESS, nullptr, 1);
     const auto closes = Calls("ctlClose");
     ASSERT_EQ(closes.size(), 1u);
     EXPECT_EQ(closes[0]["args"][0].GetUint64(), Address(api));
@@ -212,10 +219,8 @@ TEST_F(ControlLibClient, FailedCloseKeepsTheLibraryLoadedButForgetsTheRuntimePat
     ASSERT_EQ(Init(&api), CTL_RESULT_SUCCESS);
     const HMODULE loaded = controlLibModule;
 
-    EXPECT_EQ(ctlClose(api), CTL_RESULT_ERROR_INVALID_ARGUMENT);
-    EXPECT_EQ(controlLibModule, loaded);
+    ExpectClosed(api, CTL_RESULT_ERROR_INVALID_ARGUMENT, loaded, 0);
     EXPECT_EQ(runtimePathArgs, nullptr);
-    EXPECT_EQ(Intel::Counter("unloads"), 0);
 
     // The next ctlInit reuses the library: no second load, and no runtime path to pass on.
     EXPECT_EQ(Init(&api), CTL_RESULT_SUCCESS);
@@ -223,9 +228,7 @@ TEST_F(ControlLibClient, FailedCloseKeepsTheLibraryLoadedButForgetsTheRuntimePat
     EXPECT_EQ(Intel::Counter("loads"), 1);
     EXPECT_EQ(Calls("ctlSetRuntimePath").size(), 1u);
 
-    EXPECT_EQ(ctlClose(api), CTL_RESULT_SUCCESS);
-    EXPECT_EQ(controlLibModule, nullptr);
-    EXPECT_EQ(Intel::Counter("unloads"), 1);
+    ExpectClosed(api, CTL_RESULT_SUCCESS, nullptr, 1);
 }
 
 TEST_F(ControlLibClient, OneCloseUnloadsHoweverManyInitsPrecededIt)
@@ -235,10 +238,8 @@ TEST_F(ControlLibClient, OneCloseUnloadsHoweverManyInitsPrecededIt)
     for (int i = 0; i < 3; ++i) {
         ASSERT_EQ(Init(&api), CTL_RESULT_SUCCESS);
     }
-    EXPECT_EQ(ctlClose(api), CTL_RESULT_SUCCESS);
-    EXPECT_EQ(controlLibModule, nullptr);
+    ExpectClosed(api, CTL_RESULT_SUCCESS, nullptr, 1);
     EXPECT_EQ(Intel::Counter("loads"), 1);
-    EXPECT_EQ(Intel::Counter("unloads"), 1);
 }
 
 TEST_F(ControlLibClient, CloseWithoutALibraryAnswersNotInitializedAndForgetsTheRuntimePath)
@@ -258,9 +259,7 @@ TEST_F(ControlLibClient, CloseOnALibraryWithoutTheSymbolKeepsItLoaded)
     ctl_api_handle_t api = nullptr;
     ASSERT_EQ(Init(&api), CTL_RESULT_SUCCESS);
     const HMODULE loaded = controlLibModule;
-    EXPECT_EQ(ctlClose(api), CTL_RESULT_ERROR_NOT_INITIALIZED);
-    EXPECT_EQ(controlLibModule, loaded);
-    EXPECT_EQ(Intel::Counter("unloads"), 0);
+    ExpectClosed(api, CTL_RESULT_ERROR_NOT_INITIALIZED, loaded, 0);
 }
 
 TEST_F(ControlLibClient, FreshlyLoadedLibraryWithoutCtlInitReportsSuccessButALoadedOneDoesNot)

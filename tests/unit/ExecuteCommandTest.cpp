@@ -202,21 +202,21 @@ TEST(ExecuteCommand, CallbackIsNeverCalledAndIsReleased)
     EXPECT_FALSE(called);
 }
 
-// A response whose compact text is exactly `length` characters: {"s":"..."} puts 8 around
-// the string.
-static void FillResponseOfLength(Document& response, size_t length)
+// Copies a response whose compact text is exactly `length` characters ({"s":"..."} puts 8
+// around the string) into `out`.
+static uint32_t CopyResponseOfLength(size_t length, wchar_t*& out)
 {
+    Document response;
     response.SetObject();
     const std::wstring text(length - 8, L'x');
     response.AddMember(L"s", JsonValue(text.c_str(), response.GetAllocator()), response.GetAllocator());
+    return CopyResponseText(response, &out);
 }
 
 TEST(ResponseText, ResponsesUpTo65535CharactersAreCopied)
 {
-    Document response;
-    FillResponseOfLength(response, 65535);
     wchar_t* out = nullptr;
-    EXPECT_EQ(CopyResponseText(response, &out), StatusSuccess);
+    EXPECT_EQ(CopyResponseOfLength(65535, out), StatusSuccess);
     ASSERT_NE(out, nullptr);
     EXPECT_EQ(wcslen(out), 65535u);
     std::free(out);
@@ -227,10 +227,8 @@ TEST(ResponseText, ResponsesUpTo65535CharactersAreCopied)
 TEST(ResponseText, TheCopyIsAllocatedForTheTextAndItsTerminator)
 {
     for (const size_t length : {size_t{9}, size_t{64}, size_t{1000}, size_t{65535}}) {
-        Document response;
-        FillResponseOfLength(response, length);
         wchar_t* out = nullptr;
-        ASSERT_EQ(CopyResponseText(response, &out), StatusSuccess);
+        ASSERT_EQ(CopyResponseOfLength(length, out), StatusSuccess);
         ASSERT_NE(out, nullptr);
         EXPECT_EQ(_msize(out), (length + 1) * sizeof(wchar_t)) << length;
         EXPECT_EQ(out[length], L'\0') << length;
@@ -240,9 +238,7 @@ TEST(ResponseText, TheCopyIsAllocatedForTheTextAndItsTerminator)
 
 TEST(ResponseText, LongerResponsesAreRefusedWithANullText)
 {
-    Document response;
-    FillResponseOfLength(response, 65536);
     wchar_t* out = kUntouched;
-    EXPECT_EQ(CopyResponseText(response, &out), StatusInvalidArgument);
+    EXPECT_EQ(CopyResponseOfLength(65536, out), StatusInvalidArgument);
     EXPECT_EQ(out, nullptr);
 }

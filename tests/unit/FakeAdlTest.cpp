@@ -115,6 +115,17 @@ protected:
         return edid;
     }
 
+    // An EDID request for `display` of adapter 0 as the service fills it, changed by `change`,
+    // is refused for `reason` and the record is not filled.
+    template <class Change>
+    void ExpectEdidRefused(Change change, int code, const std::string& reason, int display = 0)
+    {
+        ADLDisplayEDIDData data = Edid();
+        change(data);
+        ExpectRefused("ADL2_Display_EdidData_Get", edid(m_context, 0, display, &data), code, reason);
+        EXPECT_EQ(data.iEDIDSize, 0) << reason << ": a refused record is not filled";
+    }
+
     LumavenUtil::UniqueModule m_module;
     ADL_CONTEXT_HANDLE m_context = nullptr;
     ADL2_MAIN_CONTROL_CREATE create = nullptr;
@@ -240,32 +251,18 @@ TEST_F(FakeAdl, DisplayListNeedsPointersAKnownAdapterAndAForceDetectFlag)
 
 TEST_F(FakeAdl, EdidRecordOfAnotherSizeOrWithReservedFieldsSetIsRefused)
 {
-    ADLDisplayEDIDData data = Edid();
-    data.iSize = sizeof data - 1;
-    ExpectRefused("ADL2_Display_EdidData_Get", edid(m_context, 0, 0, &data), ADL_ERR_INVALID_PARAM,
-                  "iSize 287, expected 288");
-    data = Edid();
-    data.iFlag = 1;
-    ExpectRefused("ADL2_Display_EdidData_Get", edid(m_context, 0, 0, &data), ADL_ERR_INVALID_PARAM,
-                  "iFlag 1 is not zero");
-    data = Edid();
-    data.iReserved[3] = 4;
-    ExpectRefused("ADL2_Display_EdidData_Get", edid(m_context, 0, 0, &data), ADL_ERR_INVALID_PARAM,
-                  "iReserved[3] is not zero");
-    data = Edid();
-    data.iBlockIndex = 1;
-    ExpectRefused("ADL2_Display_EdidData_Get", edid(m_context, 0, 0, &data), ADL_ERR_INVALID_PARAM,
-                  "iBlockIndex 1 is not a block of the EDID");
-    data = Edid();
-    data.iBlockIndex = -1;
-    ExpectRefused("ADL2_Display_EdidData_Get", edid(m_context, 0, 0, &data), ADL_ERR_INVALID_PARAM,
-                  "iBlockIndex -1 is not a block of the EDID");
+    ExpectEdidRefused([](auto& data) { data.iSize = sizeof data - 1; }, ADL_ERR_INVALID_PARAM,
+                      "iSize 287, expected 288");
+    ExpectEdidRefused([](auto& data) { data.iFlag = 1; }, ADL_ERR_INVALID_PARAM, "iFlag 1 is not zero");
+    ExpectEdidRefused([](auto& data) { data.iReserved[3] = 4; }, ADL_ERR_INVALID_PARAM, "iReserved[3] is not zero");
+    for (const int block : {1, -1}) {
+        ExpectEdidRefused([block](auto& data) { data.iBlockIndex = block; }, ADL_ERR_INVALID_PARAM,
+                          "iBlockIndex " + std::to_string(block) + " is not a block of the EDID");
+    }
     ExpectRefused("ADL2_Display_EdidData_Get", edid(m_context, 0, 0, nullptr), ADL_ERR_NULL_POINTER, "no EDID record");
-    ExpectRefused("ADL2_Display_EdidData_Get", edid(m_context, 0, 1, &data), ADL_ERR_INVALID_PARAM,
-                  "no display 1 on adapter 0");
-    EXPECT_EQ(data.iEDIDSize, 0) << "a refused record is not filled";
+    ExpectEdidRefused([](auto&) {}, ADL_ERR_INVALID_PARAM, "no display 1 on adapter 0", 1);
 
-    data = Edid();
+    ADLDisplayEDIDData data = Edid();
     ASSERT_EQ(edid(m_context, 0, 0, &data), ADL_OK);
     EXPECT_EQ(data.iEDIDSize, 128);
     EXPECT_EQ(static_cast<uint8_t>(data.cEDIDData[8]), 0x4C);

@@ -44,6 +44,27 @@ protected:
         EXPECT_EQ(last["result"].GetUint(), code) << function;
     }
 
+    // The checks of the two fields every record starts with, on a record that `call` fills for
+    // the attached display: one of another Size (a byte short or long) or of Version 1 is
+    // refused, and so is no record at all. `size` is the record's size in the vendor's layout.
+    template <class Record, class Function>
+    void ExpectHeaderChecked(const std::string& function, Function call, Record& record, size_t size)
+    {
+        const auto refused = [&](uint32_t code, const std::string& reason) {
+            ExpectRefused(function, call(Panel(), &record), code, reason);
+        };
+        const std::string expected = ", expected " + std::to_string(size);
+        record.Size = sizeof record - 1;
+        refused(kInvalidArgument, "Size " + std::to_string(size - 1) + expected);
+        record.Size = sizeof record + 1;
+        refused(kInvalidArgument, "Size " + std::to_string(size + 1) + expected);
+        record.Size = sizeof record;
+        record.Version = 1;
+        refused(kUnsupportedVersion, "Version 1, expected 0");
+        record.Version = 0;
+        ExpectRefused(function, call(Panel(), nullptr), kNullPointer, "no record");
+    }
+
     static ctl_power_optimization_settings_t OpstOn() { return Dpst(true, CTL_POWER_OPTIMIZATION_DPST_FLAG_OPST); }
 
     // An AUX write of one byte to 0x4056, as the service fills it.
@@ -140,18 +161,8 @@ TEST_F(FakeControlLibChecks, DisplayPropertiesOfAnotherSizeOrWithReservedFieldsS
 {
     Open();
     ctl_display_properties_t properties{};
-    properties.Size = sizeof properties - 1;
     properties.DisplayConfigFlags = 0xAB;
-    ExpectRefused("ctlGetDisplayProperties", ctlGetDisplayProperties(Panel(), &properties), kInvalidArgument,
-                  "Size 199, expected 200");
-    properties.Size = sizeof properties + 1;
-    ExpectRefused("ctlGetDisplayProperties", ctlGetDisplayProperties(Panel(), &properties), kInvalidArgument,
-                  "Size 201, expected 200");
-    properties.Size = sizeof properties;
-    properties.Version = 1;
-    ExpectRefused("ctlGetDisplayProperties", ctlGetDisplayProperties(Panel(), &properties), kUnsupportedVersion,
-                  "Version 1, expected 0");
-    properties.Version = 0;
+    ExpectHeaderChecked("ctlGetDisplayProperties", ctlGetDisplayProperties, properties, 200);
     properties.ReservedFields[15] = 1;
     ExpectRefused("ctlGetDisplayProperties", ctlGetDisplayProperties(Panel(), &properties), kInvalidArgument,
                   "ReservedFields[15] is not zero");
@@ -160,7 +171,6 @@ TEST_F(FakeControlLibChecks, DisplayPropertiesOfAnotherSizeOrWithReservedFieldsS
     ExpectRefused("ctlGetDisplayProperties", ctlGetDisplayProperties(Panel(), &properties), kInvalidArgument,
                   "ReservedFields[0] is not zero");
     EXPECT_EQ(properties.DisplayConfigFlags, 0xABu) << "a refused record is not filled";
-    ExpectRefused("ctlGetDisplayProperties", ctlGetDisplayProperties(Panel(), nullptr), kNullPointer, "no record");
 }
 
 TEST_F(FakeControlLibChecks, AuxRecordOfAnotherSizeOrVersionIsRefused)
@@ -227,17 +237,9 @@ TEST_F(FakeControlLibChecks, PowerCapsOfAnotherSizeOrVersionAreRefused)
 {
     Open();
     ctl_power_optimization_caps_t caps{};
-    caps.Size = sizeof caps - 1;
     caps.SupportedFeatures = 0xEE;
-    ExpectRefused("ctlGetPowerOptimizationCaps", ctlGetPowerOptimizationCaps(Panel(), &caps), kInvalidArgument,
-                  "Size 11, expected 12");
-    caps.Size = sizeof caps;
-    caps.Version = 1;
-    ExpectRefused("ctlGetPowerOptimizationCaps", ctlGetPowerOptimizationCaps(Panel(), &caps), kUnsupportedVersion,
-                  "Version 1, expected 0");
-    EXPECT_EQ(caps.SupportedFeatures, 0xEEu);
-    ExpectRefused("ctlGetPowerOptimizationCaps", ctlGetPowerOptimizationCaps(Panel(), nullptr), kNullPointer,
-                  "no record");
+    ExpectHeaderChecked("ctlGetPowerOptimizationCaps", ctlGetPowerOptimizationCaps, caps, 12);
+    EXPECT_EQ(caps.SupportedFeatures, 0xEEu) << "a refused record is not filled";
 }
 
 TEST_F(FakeControlLibChecks, PowerSettingsOfAnotherSizeOrVersionAreRefused)

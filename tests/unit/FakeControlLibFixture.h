@@ -40,10 +40,31 @@ protected:
         ASSERT_NE(m_api, nullptr);
     }
 
-    std::vector<ctl_device_adapter_handle_t> Devices()
+    // The number of adapters a call without an array reports.
+    uint32_t DeviceCount()
     {
         uint32_t count = 0;
         EXPECT_EQ(ctlEnumerateDevices(m_api, &count, nullptr), CTL_RESULT_SUCCESS);
+        return count;
+    }
+
+    // One call that fills an array with room for `room` adapters: what it answered, the count
+    // it left and the array as it left it.
+    struct DeviceFill {
+        ctl_result_t result;
+        uint32_t count;
+        std::vector<ctl_device_adapter_handle_t> devices;
+    };
+    DeviceFill FillDevices(uint32_t room)
+    {
+        DeviceFill fill{CTL_RESULT_SUCCESS, room, std::vector<ctl_device_adapter_handle_t>(room)};
+        fill.result = ctlEnumerateDevices(m_api, &fill.count, fill.devices.data());
+        return fill;
+    }
+
+    std::vector<ctl_device_adapter_handle_t> Devices()
+    {
+        uint32_t count = DeviceCount();
         std::vector<ctl_device_adapter_handle_t> devices(count);
         EXPECT_EQ(ctlEnumerateDevices(m_api, &count, devices.data()), CTL_RESULT_SUCCESS);
         devices.resize(count);

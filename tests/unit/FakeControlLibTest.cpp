@@ -22,23 +22,20 @@ namespace Intel = LumavenSim::Intel;
 TEST_F(FakeControlLib, EnumerationReportsTheCountThenFillsAnArrayThatHoldsThem)
 {
     Open();
-    uint32_t count = 0;
-    ASSERT_EQ(ctlEnumerateDevices(m_api, &count, nullptr), CTL_RESULT_SUCCESS);
-    EXPECT_EQ(count, 2u);
-    ctl_device_adapter_handle_t devices[5] = {};
-    count = 5;
-    ASSERT_EQ(ctlEnumerateDevices(m_api, &count, devices), CTL_RESULT_SUCCESS);
-    EXPECT_EQ(count, 2u);
+    EXPECT_EQ(DeviceCount(), 2u);
+    const auto filled = FillDevices(5);
+    ASSERT_EQ(filled.result, CTL_RESULT_SUCCESS);
+    EXPECT_EQ(filled.count, 2u);
+    const auto& devices = filled.devices;
     EXPECT_NE(devices[0], nullptr);
     EXPECT_NE(devices[1], nullptr);
     EXPECT_NE(devices[0], devices[1]);
     EXPECT_EQ(devices[2], nullptr);
     // An array too small for them: nothing written, and the count says how many there are.
-    count = 1;
-    ctl_device_adapter_handle_t first = nullptr;
-    EXPECT_EQ(ctlEnumerateDevices(m_api, &count, &first), CTL_RESULT_ERROR_INVALID_ARGUMENT);
-    EXPECT_EQ(count, 2u);
-    EXPECT_EQ(first, nullptr);
+    const auto tooSmall = FillDevices(1);
+    EXPECT_EQ(tooSmall.result, CTL_RESULT_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(tooSmall.count, 2u);
+    EXPECT_EQ(tooSmall.devices[0], nullptr);
     EXPECT_EQ(Calls("ctlEnumerateDevices").back()["refused"].GetString(), std::string("an array of 1 for 2 handles"));
 
     EXPECT_TRUE(Outputs(devices[0]).empty());
@@ -61,24 +58,18 @@ TEST_F(FakeControlLib, CountsOfTheProfileAnswerTheCountAndTheFillCallApart)
          {{.function = "ctlEnumerateDevices", .call = "count", .answer = 4294967295, .nth = 1},
           {.function = "ctlEnumerateDevices", .call = "fill", .answer = 1, .nth = 2},
           {.function = "ctlEnumerateDevices", .call = "fill", .answer = 3, .nth = 3}});
-    uint32_t count = 0;
-    ASSERT_EQ(ctlEnumerateDevices(m_api, &count, nullptr), CTL_RESULT_SUCCESS);
-    EXPECT_EQ(count, 0xFFFFFFFFu);
-    ctl_device_adapter_handle_t devices[2] = {};
-    count = 2;
-    ASSERT_EQ(ctlEnumerateDevices(m_api, &count, devices), CTL_RESULT_SUCCESS);
-    EXPECT_EQ(count, 1u);
-    EXPECT_NE(devices[0], nullptr);
-    EXPECT_EQ(devices[1], nullptr);
-    ctl_device_adapter_handle_t again[2] = {};
-    count = 2;
-    EXPECT_EQ(ctlEnumerateDevices(m_api, &count, again), CTL_RESULT_ERROR_INVALID_ARGUMENT);
-    EXPECT_EQ(count, 3u);
-    EXPECT_EQ(again[0], nullptr);
+    EXPECT_EQ(DeviceCount(), 0xFFFFFFFFu);
+    const auto found = FillDevices(2);
+    ASSERT_EQ(found.result, CTL_RESULT_SUCCESS);
+    EXPECT_EQ(found.count, 1u);
+    EXPECT_NE(found.devices[0], nullptr);
+    EXPECT_EQ(found.devices[1], nullptr);
+    const auto again = FillDevices(2);
+    EXPECT_EQ(again.result, CTL_RESULT_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(again.count, 3u);
+    EXPECT_EQ(again.devices[0], nullptr);
     // Past the profile's counts: the machine's own again.
-    count = 0;
-    ASSERT_EQ(ctlEnumerateDevices(m_api, &count, nullptr), CTL_RESULT_SUCCESS);
-    EXPECT_EQ(count, 2u);
+    EXPECT_EQ(DeviceCount(), 2u);
 }
 
 TEST_F(FakeControlLib, HandlesItDidNotGiveOutAreRefused)

@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <string>
+#include <utility>
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
 using LumavenTest::LogCapture;
@@ -31,32 +33,35 @@ std::wstring CaughtLine(const HandlerIdentity& handler)
 
 TEST(HandlerGuard, QualifiedNameShapePrintsTheMethodName)
 {
+    // The handler, the name its catch line gives, the method the line names.
+    const struct {
+        const HandlerIdentity& handler;
+        const wchar_t* label;
+        const wchar_t* method;
+    } handlers[] = {{Handler::GetOpst, L"GetOpst", L"_GetOpst"},
+                    {Handler::GetIfSystemSupportsOpst, L"GetOpst", L"_GetIfSystemSupportsOpst"},
+                    {Handler::GetIfVaribrightSupport, L"GetVaribright", L"_GetIfVaribrightSupport"},
+                    {Handler::SetVaribright, L"GetVaribright", L"_SetVaribright"},
+                    {Handler::GetIfOLEDSupport, L"GetIfOLEDSupport", L"_GetIfOLEDSupport"},
+                    {Handler::SetOLEDPowerSaveON, L"SetOLEDPowerSaveON", L"_SetOLEDPowerSaveON"},
+                    {Handler::SetOLEDPowerSaveOFF, L"SetOLEDPowerSaveOFF", L"_SetOLEDPowerSaveOFF"},
+                    {Handler::SetIntelElp, L"SetIntelElp", L"SetIntelElp"},
+                    {Handler::SetAmdElp, L"SetAmdElp", L"SetAmdElp"}};
     const std::wstring prefix = L"Xelto::Spanlet::Server::Services::Lumaven::LumavenService::";
-    EXPECT_EQ(CaughtLine(Handler::GetOpst), L"LumavenService - GetOpst threw: " + prefix + L"_GetOpst");
-    EXPECT_EQ(CaughtLine(Handler::GetIfSystemSupportsOpst),
-              L"LumavenService - GetOpst threw: " + prefix + L"_GetIfSystemSupportsOpst");
-    EXPECT_EQ(CaughtLine(Handler::GetIfVaribrightSupport),
-              L"LumavenService - GetVaribright threw: " + prefix + L"_GetIfVaribrightSupport");
-    EXPECT_EQ(CaughtLine(Handler::SetVaribright),
-              L"LumavenService - GetVaribright threw: " + prefix + L"_SetVaribright");
-    EXPECT_EQ(CaughtLine(Handler::GetIfOLEDSupport),
-              L"LumavenService - GetIfOLEDSupport threw: " + prefix + L"_GetIfOLEDSupport");
-    EXPECT_EQ(CaughtLine(Handler::SetOLEDPowerSaveON),
-              L"LumavenService - SetOLEDPowerSaveON threw: " + prefix + L"_SetOLEDPowerSaveON");
-    EXPECT_EQ(CaughtLine(Handler::SetOLEDPowerSaveOFF),
-              L"LumavenService - SetOLEDPowerSaveOFF threw: " + prefix + L"_SetOLEDPowerSaveOFF");
-    EXPECT_EQ(CaughtLine(Handler::SetIntelElp), L"LumavenService - SetIntelElp threw: " + prefix + L"SetIntelElp");
-    EXPECT_EQ(CaughtLine(Handler::SetAmdElp), L"LumavenService - SetAmdElp threw: " + prefix + L"SetAmdElp");
+    for (const auto& [handler, label, method] : handlers) {
+        EXPECT_EQ(CaughtLine(handler), L"LumavenService - " + std::wstring(label) + L" threw: " + prefix + method);
+    }
 }
 
 TEST(HandlerGuard, MessageShapePrintsTheExceptionText)
 {
-    EXPECT_EQ(CaughtLine(Handler::EnableOpst), L"LumavenService - EnableOpst threw: boom");
-    EXPECT_EQ(CaughtLine(Handler::DisableOpst), L"LumavenService - DisableOpst threw: boom");
-    EXPECT_EQ(CaughtLine(Handler::GetIfSystemSupportsOled), L"LumavenService - GetIfSystemSupportsOled threw: boom");
-    EXPECT_EQ(CaughtLine(Handler::EnableEd), L"LumavenService - EnableEd threw: boom");
-    EXPECT_EQ(CaughtLine(Handler::DisableEd), L"LumavenService - DisableEd threw: boom");
-    EXPECT_EQ(CaughtLine(Handler::GetOledFromRegistry), L"LumavenService - GetOledFromRegistry threw: boom");
+    for (const auto& [handler, label] :
+         {std::pair{&Handler::EnableOpst, L"EnableOpst"}, std::pair{&Handler::DisableOpst, L"DisableOpst"},
+          std::pair{&Handler::GetIfSystemSupportsOled, L"GetIfSystemSupportsOled"},
+          std::pair{&Handler::EnableEd, L"EnableEd"}, std::pair{&Handler::DisableEd, L"DisableEd"},
+          std::pair{&Handler::GetOledFromRegistry, L"GetOledFromRegistry"}}) {
+        EXPECT_EQ(CaughtLine(*handler), L"LumavenService - " + std::wstring(label) + L" threw: boom");
+    }
 }
 
 TEST(HandlerGuard, PassesTheWorkResultThroughWhenNothingIsThrown)

@@ -3,6 +3,7 @@
 #include "ControlLibFixture.h"
 #include "LogCapture.h"
 #include "Registry.h"
+#include "ServiceAnswers.h"
 #include "XeltoClient.h"
 
 #include "intel/IntelAuxWriter.h"
@@ -70,6 +71,22 @@ protected:
     }
 
     static size_t CallCount(const std::string& function) { return Calls(function).size(); }
+
+    // Runs `command`, which must answer false with success and never call the driver's
+    // `function` (the one that would change the panel).
+    void ExpectFalseWithout(uint32_t command, const std::string& function)
+    {
+        EXPECT_TRUE(LumavenTest::Answered(Run(command), false)) << "command " << command;
+        EXPECT_EQ(CallCount(function), 0u) << function << ", command " << command;
+    }
+
+    // The same with `stored` as the setting beforehand, which the command must leave as it is.
+    void ExpectFalseWithout(uint32_t command, const std::string& function, DWORD stored)
+    {
+        LumavenTest::SetOledDword(stored);
+        ExpectFalseWithout(command, function);
+        EXPECT_EQ(LumavenTest::OledDword(), stored) << "command " << command;
+    }
 
     std::unique_ptr<LumavenService> m_service;
 };
@@ -196,14 +213,9 @@ TEST_F(IntelFeature, UnsupportedPanelWritesNothing)
         Profile::Machine{.monitors = {{.panel = LumavenSim::Panels::kDel40F5}},
                          .libraries = {{"dxgi.dll", "dxgi.dll"}, {"ControlLib.dll", "ControlLib.dll"}},
                          .intel = Adapters({{kOpstOutput}})});
-    LumavenTest::SetOledDword(0);
     LogCapture capture;
-    const auto result = Run(5);
-    EXPECT_EQ(result.status, StatusSuccess);
-    EXPECT_EQ(result.response, L"{\"result\":false}");
+    ExpectFalseWithout(5, "ctlAUXAccess", 0);
     EXPECT_EQ(capture.Count(L"Can't find the Pid Vid"), 1u);
-    EXPECT_EQ(CallCount("ctlAUXAccess"), 0u);
-    EXPECT_EQ(LumavenTest::OledDword(), 0u);
 }
 
 TEST_F(IntelFeature, WithoutTheSharedTableNothingIsWritten)
@@ -211,15 +223,10 @@ TEST_F(IntelFeature, WithoutTheSharedTableNothingIsWritten)
     Machine(kPanel4174, Adapters({{kOpstOutput}}));
     // As before any start-up on an Intel machine: the AUX writer has no table to read.
     g_auxData = nullptr;
-    LumavenTest::SetOledDword(0);
     LogCapture capture;
-    const auto result = Run(5);
-    EXPECT_EQ(result.status, StatusSuccess);
-    EXPECT_EQ(result.response, L"{\"result\":false}");
+    ExpectFalseWithout(5, "ctlAUXAccess", 0);
     EXPECT_EQ(capture.Count(L"AuxDataMapPtr is not initialized"), 1u);
     EXPECT_EQ(capture.Count(L"Can't find the Pid Vid"), 0u);
-    EXPECT_EQ(CallCount("ctlAUXAccess"), 0u);
-    EXPECT_EQ(LumavenTest::OledDword(), 0u);
 }
 
 TEST_F(IntelFeature, PanelWithoutASequenceForTheFlagWritesNothing)
@@ -227,19 +234,14 @@ TEST_F(IntelFeature, PanelWithoutASequenceForTheFlagWritesNothing)
     Machine(kPanel4174, Adapters({{kOpstOutput}}));
     ASSERT_EQ(g_auxData, m_service->m_auxData.get());
     ASSERT_EQ(g_auxData->erase({0x4174834C, true}), 1u);
-    LumavenTest::SetOledDword(0);
     LogCapture capture;
-    const auto on = Run(5);
-    EXPECT_EQ(on.status, StatusSuccess);
-    EXPECT_EQ(on.response, L"{\"result\":false}");
+    ExpectFalseWithout(5, "ctlAUXAccess", 0);
     EXPECT_EQ(capture.Count(L"Can't find the Aux data of Pid Vid: 4174834c"), 1u);
     EXPECT_EQ(g_auxData->count({0x4174834C, true}), 0u) << "the look-up adds no entry";
-    EXPECT_EQ(CallCount("ctlAUXAccess"), 0u);
     for (const auto& text : capture.Texts()) {
         EXPECT_EQ(text.rfind(L"EnumerateTargetDisplays returned failure code", 0), std::wstring::npos)
             << "the display counts as done, with the answer false: " << std::string(text.begin(), text.end());
     }
-    EXPECT_EQ(LumavenTest::OledDword(), 0u);
     // The other flag still has its sequence.
     EXPECT_EQ(Run(6).response, L"{\"result\":true}");
     EXPECT_EQ(CallCount("ctlAUXAccess"), 2u);
@@ -250,14 +252,10 @@ TEST_F(IntelFeature, LastDisplayThatAnswersDecides)
     const Profile::IntelOutput opstOn{.attached = true, .opstSupported = true, .dpstEnabled = 4};
     const Profile::IntelOutput opstOff{.attached = true, .opstSupported = true, .dpstEnabled = 0};
     Machine(kPanel4174, Adapters({{opstOn, opstOff}}));
-    auto result = Run(1);
-    EXPECT_EQ(result.status, StatusSuccess);
-    EXPECT_EQ(result.response, L"{\"result\":false}") << "on, then off";
+    EXPECT_TRUE(LumavenTest::Answered(Run(1), false)) << "on, then off";
     EXPECT_EQ(CallCount("ctlGetPowerOptimizationSetting"), 2u) << "both displays answered";
     Machine(kPanel4174, Adapters({{opstOff, opstOn}}));
-    result = Run(1);
-    EXPECT_EQ(result.status, StatusSuccess);
-    EXPECT_EQ(result.response, L"{\"result\":true}") << "off, then on";
+    EXPECT_TRUE(LumavenTest::Answered(Run(1), true)) << "off, then on";
 }
 
 TEST_F(IntelFeature, SecondOfFourWritesFailingStopsTheSequence)
@@ -265,8 +263,7 @@ TEST_F(IntelFeature, SecondOfFourWritesFailingStopsTheSequence)
     Machine(kPanel4160, Adapters({{kOpstOutput}}), {{.function = "ctlAUXAccess", .code = 1073741835, .nth = 2}});
     LumavenTest::SetOledDword(0);
     LogCapture capture;
-    const auto result = Run(5);
-    EXPECT_EQ(result.response, L"{\"result\":false}");
+    EXPECT_EQ(Run(5).response, L"{\"result\":false}");
     const auto writes = Calls("ctlAUXAccess");
     ASSERT_EQ(writes.size(), 2u);
     EXPECT_EQ(writes[0]["address"].GetUint(), 0x404Bu);
@@ -294,8 +291,7 @@ TEST_F(IntelFeature, ReadBackThatDiffersFailsTheVerification)
     Machine(kPanel4174, Adapters({{kOpstOutput}}), {{.function = "ctlAUXAccess", .code = 0, .nth = 2}});
     LumavenTest::SetOledDword(0);
     LogCapture capture;
-    const auto result = Run(5);
-    EXPECT_EQ(result.response, L"{\"result\":false}");
+    EXPECT_EQ(Run(5).response, L"{\"result\":false}");
     EXPECT_EQ(Intel::ReadRegisters(0, 0, 0x4027, 1), std::vector<uint8_t>{0xC0});
     const auto texts = capture.Texts();
     EXPECT_EQ(std::count_if(texts.begin(), texts.end(),
@@ -328,9 +324,7 @@ TEST_F(IntelFeature, OpstBesideAnotherDpstFeatureReadsAsOff)
 {
     Machine(kPanel4174, Adapters({{{.attached = true, .opstSupported = true, .dpstFeatures = 1, .dpstEnabled = 5}}}));
     LumavenTest::SetOledDword(1);
-    const auto result = Run(1);
-    EXPECT_EQ(result.status, StatusSuccess);
-    EXPECT_EQ(result.response, L"{\"result\":false}");
+    EXPECT_TRUE(LumavenTest::Answered(Run(1), false));
     EXPECT_EQ(LumavenTest::OledDword(), 0u);
 }
 
@@ -357,16 +351,11 @@ TEST_F(IntelFeature, EnableAndDisableOpstSwitchThePanelAndRecordIt)
 TEST_F(IntelFeature, EnableOpstWithoutSupportAnswersFalseAndLeavesTheSetting)
 {
     Machine(kPanel4174, Adapters({{kNoOpstOutput}}));
-    // Stored as on, so that a switch that records "off" on failure cannot pass unseen.
-    LumavenTest::SetOledDword(1);
     LogCapture capture;
-    const auto result = Run(2);
-    EXPECT_EQ(result.status, StatusSuccess);
-    EXPECT_EQ(result.response, L"{\"result\":false}");
+    // Stored as on, so that a switch that records "off" on failure cannot pass unseen.
+    ExpectFalseWithout(2, "ctlSetPowerOptimizationSetting", 1);
     EXPECT_EQ(capture.Count(L"OPST is not supported"), 1u);
     EXPECT_EQ(capture.Count(L"EnumerateTargetDisplays returned failure code: 0x4000000A\n"), 1u);
-    EXPECT_EQ(CallCount("ctlSetPowerOptimizationSetting"), 0u);
-    EXPECT_EQ(LumavenTest::OledDword(), 1u);
 }
 
 TEST_F(IntelFeature, FailedSetWithAGoodReadBackAnswersThePanelState)
@@ -374,19 +363,14 @@ TEST_F(IntelFeature, FailedSetWithAGoodReadBackAnswersThePanelState)
     Machine(kPanel4174, Adapters({{kOpstOutput}}),
             {{.function = "ctlSetPowerOptimizationSetting", .code = 1073741835}});
     LogCapture capture;
-    const auto result = Run(2);
-    EXPECT_EQ(result.status, StatusSuccess);
-    EXPECT_EQ(result.response, L"{\"result\":false}");
+    EXPECT_TRUE(LumavenTest::Answered(Run(2), false));
     EXPECT_EQ(capture.Count(L"EnumerateTargetDisplays returned failure code: 0x4000000B\n"), 0u);
 }
 
 TEST_F(IntelFeature, SupportQueryOnADetachedOutputDoesNotProbe)
 {
     Machine(kPanel4174, Adapters({{kDetachedOutput}}));
-    const auto result = Run(8);
-    EXPECT_EQ(result.status, StatusSuccess);
-    EXPECT_EQ(result.response, L"{\"result\":false}");
-    EXPECT_EQ(CallCount("ctlGetPowerOptimizationCaps"), 0u);
+    ExpectFalseWithout(8, "ctlGetPowerOptimizationCaps");
     EXPECT_EQ(CallCount("ctlGetDisplayProperties"), 1u);
 }
 
@@ -409,11 +393,8 @@ TEST_F(IntelFeature, NoAttachedOutputAnswersFalse)
     LumavenTest::SetOledDword(1);
     EXPECT_EQ(Run(5).response, L"{\"result\":false}");
     EXPECT_EQ(LumavenTest::OledDword(), 1u);
-    const auto off = Run(6);
-    EXPECT_EQ(off.status, StatusSuccess);
-    EXPECT_EQ(off.response, L"{\"result\":false}");
+    ExpectFalseWithout(6, "ctlAUXAccess");
     EXPECT_EQ(LumavenTest::OledDword(), 0u);
-    EXPECT_EQ(CallCount("ctlAUXAccess"), 0u);
 }
 
 TEST_F(IntelFeature, CommandsThatShareTheLockNeverInterleaveTheirSessions)

@@ -30,20 +30,18 @@ std::wstring Written(const Document& document)
 TEST(Json, OnlyTheLiteralTrueSwitchesOn)
 {
     EXPECT_EQ(BValueOf(L"{\"BValue\":true}"), BValue::On);
-    EXPECT_EQ(BValueOf(L"{\"BValue\":false}"), BValue::Off);
-    EXPECT_EQ(BValueOf(L"{\"BValue\":1}"), BValue::Off);
-    EXPECT_EQ(BValueOf(L"{\"BValue\":\"true\"}"), BValue::Off);
-    EXPECT_EQ(BValueOf(L"{\"BValue\":{}}"), BValue::Off);
+    for (const wchar_t* text :
+         {L"{\"BValue\":false}", L"{\"BValue\":1}", L"{\"BValue\":\"true\"}", L"{\"BValue\":{}}"}) {
+        EXPECT_EQ(BValueOf(text), BValue::Off) << text;
+    }
 }
 
 TEST(Json, MissingOrNullBValueIsTheFailedCheck)
 {
-    EXPECT_EQ(BValueOf(L"{\"BValue\":null}"), BValue::Missing);
-    EXPECT_EQ(BValueOf(L"{}"), BValue::Missing);
-    EXPECT_EQ(BValueOf(L"{\"bvalue\":true}"), BValue::Missing);
-    EXPECT_EQ(BValueOf(L"[]"), BValue::Missing);
-    EXPECT_EQ(BValueOf(L"[{\"BValue\":true}]"), BValue::Missing);
-    EXPECT_EQ(BValueOf(L"\"BValue\""), BValue::Missing);
+    for (const wchar_t* text :
+         {L"{\"BValue\":null}", L"{}", L"{\"bvalue\":true}", L"[]", L"[{\"BValue\":true}]", L"\"BValue\""}) {
+        EXPECT_EQ(BValueOf(text), BValue::Missing) << text;
+    }
 }
 
 TEST(Json, HasMemberAndMemberValueOnAnyValue)
@@ -69,16 +67,12 @@ TEST(Json, HasMemberAndMemberValueOnAnyValue)
 TEST(Json, ParserFollowsTheDefaultRules)
 {
     Document document;
-    EXPECT_FALSE(ParseRequest(document, L""));
-    EXPECT_FALSE(ParseRequest(document, L" \t\r\n"));
-    EXPECT_FALSE(ParseRequest(document, L"{}{}"));
-    EXPECT_FALSE(ParseRequest(document, L"{} 1"));
-    EXPECT_FALSE(ParseRequest(document, L"{'a':1}"));
-    EXPECT_FALSE(ParseRequest(document, L"{\"a\":1,}"));
-    EXPECT_FALSE(ParseRequest(document, L"// c\n{}"));
-    EXPECT_TRUE(ParseRequest(document, L" \t\r\n{} \r\n"));
-    EXPECT_TRUE(ParseRequest(document, L"[]"));
-    EXPECT_TRUE(ParseRequest(document, L"-1.5e300"));
+    for (const wchar_t* text : {L"", L" \t\r\n", L"{}{}", L"{} 1", L"{'a':1}", L"{\"a\":1,}", L"// c\n{}"}) {
+        EXPECT_FALSE(ParseRequest(document, text)) << text;
+    }
+    for (const wchar_t* text : {L" \t\r\n{} \r\n", L"[]", L"-1.5e300"}) {
+        EXPECT_TRUE(ParseRequest(document, text)) << text;
+    }
 }
 
 TEST(Json, EveryKindOfEscapeTheParserTakes)

@@ -30,6 +30,16 @@ EdidBlock Block(uint8_t b8, uint8_t b9, uint8_t b10, uint8_t b11)
     return block;
 }
 
+// The one EDID read from a machine whose only monitor has this panel and an EDID value of
+// `length` bytes.
+EdidBlock OnlyEdid(LumavenSim::PanelIdentity panel, unsigned length)
+{
+    InstallProfile(Profile::Machine{.monitors = {{.panel = panel, .edidLength = length}}});
+    const auto edids = ReadMonitorEdids();
+    EXPECT_EQ(edids.size(), 1u);
+    return edids.empty() ? EdidBlock{} : edids[0];
+}
+
 std::string Hex(const std::vector<uint8_t>& bytes)
 {
     static const char digits[] = "0123456789ABCDEF";
@@ -186,22 +196,18 @@ TEST(PanelIdentity, TheFirstMonitorOfTheClassIsRead)
 
 TEST(PanelIdentity, EdidOver256BytesGrowsTheBufferAndKeeps128)
 {
-    InstallProfile(Profile::Machine{.monitors = {{.panel = Panels::kSdc416C, .edidLength = 384}}});
-    const auto edids = ReadMonitorEdids();
-    ASSERT_EQ(edids.size(), 1u);
-    EXPECT_EQ(edids[0][10], 0x6Cu);
-    EXPECT_EQ(edids[0][126], 2u);  // two extension blocks follow in the value
+    const EdidBlock edid = OnlyEdid(Panels::kSdc416C, 384);
+    EXPECT_EQ(edid[10], 0x6Cu);
+    EXPECT_EQ(edid[126], 2u);  // two extension blocks follow in the value
     EXPECT_EQ(GetPanelIndex(), 5);
 }
 
 TEST(PanelIdentity, EdidShorterThan128BytesStillGives128Values)
 {
-    InstallProfile(Profile::Machine{.monitors = {{.panel = Panels::kSdc4170, .edidLength = 20}}});
-    const auto edids = ReadMonitorEdids();
-    ASSERT_EQ(edids.size(), 1u);
-    EXPECT_EQ(edids[0][8], 0x4Cu);
+    const EdidBlock edid = OnlyEdid(Panels::kSdc4170, 20);
+    EXPECT_EQ(edid[8], 0x4Cu);
     for (size_t i = 20; i < 128; ++i) {
-        EXPECT_EQ(edids[0][i], 0u) << "byte " << i << " past the value's end";
+        EXPECT_EQ(edid[i], 0u) << "byte " << i << " past the value's end";
     }
     EXPECT_EQ(GetPanelIndex(), 6);
 }

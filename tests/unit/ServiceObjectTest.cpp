@@ -10,6 +10,7 @@
 #include <malloc.h>
 
 #include <memory>
+#include <string>
 
 using namespace Xelto::Spanlet::Server::Services;
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
@@ -18,6 +19,26 @@ using LumavenTest::LogCapture;
 using LumavenTest::MonitorsProfile;
 namespace Panels = LumavenSim::Panels;
 namespace Profile = LumavenSim::Profile;
+
+namespace {
+
+// The text CreateString puts into a new holder for `text` (null: none), read before the
+// holder is given back with ReleaseString.
+std::wstring CreatedText(const wchar_t* text)
+{
+    LumavenService service;
+    wchar_t** holder = nullptr;
+    EXPECT_EQ(service.CreateString(text, &holder), 0u);
+    if (holder == nullptr || *holder == nullptr) {
+        ADD_FAILURE() << "CreateString left " << (holder == nullptr ? "no holder" : "a holder without a string");
+        return L"(none)";
+    }
+    const std::wstring created(*holder);
+    EXPECT_EQ(service.ReleaseString(&holder), 0u);
+    return created;
+}
+
+}  // namespace
 
 TEST(ServiceObject, TypeNameReadsAsTheWindowsCompilerPrintsIt)
 {
@@ -120,14 +141,9 @@ TEST(ServiceObject, PowerEventTaskLogsItsEntryLine)
 
 TEST(ServiceObject, CreateStringRefusesTextsOverSixtyFourCharactersWithoutTruncating)
 {
-    LumavenService service;
-    wchar_t** holder = nullptr;
-    const std::wstring text(100, L'b');
-    ASSERT_EQ(service.CreateString(text.c_str(), &holder), 0u);
-    ASSERT_NE(holder, nullptr);
     // The bounded copy rejects the text through the C runtime's parameter check.
-    EXPECT_EQ(std::wstring(*holder), L"");
-    EXPECT_EQ(service.ReleaseString(&holder), 0u);
+    EXPECT_EQ(CreatedText(std::wstring(100, L'b').c_str()), L"");
+    EXPECT_EQ(CreatedText(std::wstring(65, L'b').c_str()), L"");
 }
 
 TEST(ServiceObject, DeletingTheServiceUnloadsWhatAnInterruptedAdlWriteLeftLoaded)

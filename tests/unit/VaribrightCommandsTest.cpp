@@ -5,6 +5,7 @@
 #include "AdlSimSupport.h"
 #include "LogCapture.h"
 #include "ProcessRunner.h"
+#include "ServiceAnswers.h"
 #include "ServiceProcessState.h"
 #include "SimMachine.h"
 #include "XeltoClient.h"
@@ -16,6 +17,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -83,9 +85,7 @@ protected:
 TEST_F(VaribrightCommands, Command13AnswersSupported)
 {
     Prepare(true, false);
-    const XeltoClient::Reply reply = Execute(m_service, 13, L"{}");
-    EXPECT_EQ(reply.status, StatusSuccess);
-    EXPECT_EQ(reply.response, L"{\"result\":true}");
+    EXPECT_TRUE(LumavenTest::Answered(Execute(m_service, 13, L"{}"), true));
     EXPECT_EQ(Calls(), (std::vector<std::string>{"GetVariBright", "IsSupported", "Release"}));
     EXPECT_TRUE(m_capture.Texts().empty());
 }
@@ -93,46 +93,52 @@ TEST_F(VaribrightCommands, Command13AnswersSupported)
 TEST_F(VaribrightCommands, Command13AnswersUnsupported)
 {
     Prepare(false, false);
-    const XeltoClient::Reply reply = Execute(m_service, 13, L"{\"BValue\": true}");
-    EXPECT_EQ(reply.status, StatusSuccess);
-    EXPECT_EQ(reply.response, L"{\"result\":false}");
+    EXPECT_TRUE(LumavenTest::Answered(Execute(m_service, 13, L"{\"BValue\": true}"), false));
 }
 
-TEST_F(VaribrightCommands, Command14WithTrueEnables)
+namespace {
+
+// Command 14 with one request on a display whose VariBright is supported or not, and on or
+// off beforehand: what it answers, the one SetEnabled value ADLX gets, VariBright afterwards.
+struct SetCase {
+    const char* name;
+    const wchar_t* request;
+    bool supported;
+    bool enabled;
+    bool answer;
+    bool value;
+    bool after;
+};
+
+void PrintTo(const SetCase& row, std::ostream* out)
 {
-    Prepare(true, false);
-    const XeltoClient::Reply reply = Execute(m_service, 14, L"{\"BValue\": true}");
-    EXPECT_EQ(reply.status, StatusSuccess);
-    EXPECT_EQ(reply.response, L"{\"result\":true}");
-    EXPECT_EQ(SetEnabledValues(), std::vector<bool>{true});
-    EXPECT_TRUE(Enabled());
+    *out << row.name;
 }
 
-TEST_F(VaribrightCommands, Command14WithNumberOneDisables)
+class VaribrightSet : public VaribrightCommands, public testing::WithParamInterface<SetCase> {};
+
+}  // namespace
+
+TEST_P(VaribrightSet, AnswersAndSetsAsTheBValueSays)
 {
-    Prepare(true, true);
-    const XeltoClient::Reply reply = Execute(m_service, 14, L"{\"BValue\": 1}");
-    EXPECT_EQ(reply.status, StatusSuccess);
-    EXPECT_EQ(reply.response, L"{\"result\":true}");
-    EXPECT_EQ(SetEnabledValues(), std::vector<bool>{false});
-    EXPECT_FALSE(Enabled());
+    const SetCase& row = GetParam();
+    Prepare(row.supported, row.enabled);
+    EXPECT_TRUE(LumavenTest::Answered(Execute(m_service, 14, row.request), row.answer));
+    EXPECT_EQ(SetEnabledValues(), std::vector<bool>{row.value});
+    EXPECT_EQ(Enabled(), row.after);
 }
 
-TEST_F(VaribrightCommands, Command14WithStringTrueDisables)
-{
-    Prepare(true, true);
-    const XeltoClient::Reply reply = Execute(m_service, 14, L"{\"BValue\": \"true\"}");
-    EXPECT_EQ(reply.status, StatusSuccess);
-    EXPECT_EQ(SetEnabledValues(), std::vector<bool>{false});
-    EXPECT_FALSE(Enabled());
-}
-
-TEST_F(VaribrightCommands, Command14WithFalseDisables)
-{
-    Prepare(true, true);
-    EXPECT_EQ(Execute(m_service, 14, L"{\"BValue\": false}").response, L"{\"result\":true}");
-    EXPECT_EQ(SetEnabledValues(), std::vector<bool>{false});
-}
+// Only the literal true enables; a display without VariBright refuses, and the command still
+// succeeds with the answer false.
+INSTANTIATE_TEST_SUITE_P(
+    Command14, VaribrightSet,
+    testing::Values(SetCase{"TrueEnables", L"{\"BValue\": true}", true, false, true, true, true},
+                    SetCase{"NumberOneDisables", L"{\"BValue\": 1}", true, true, true, false, false},
+                    SetCase{"StringTrueDisables", L"{\"BValue\": \"true\"}", true, true, true, false, false},
+                    SetCase{"FalseDisables", L"{\"BValue\": false}", true, true, true, false, false},
+                    SetCase{"RefusedByAdlxAnswersFalseWithSuccess", L"{\"BValue\": true}", false, false, false, true,
+                            false}),
+    [](const testing::TestParamInfo<SetCase>& info) { return info.param.name; });
 
 TEST_F(VaribrightCommands, Command14WithoutBValueFailsTheDataCheck)
 {
@@ -159,26 +165,12 @@ TEST_F(VaribrightCommands, Command14WithNullBValueFailsTheDataCheck)
     EXPECT_TRUE(Enabled());
 }
 
-TEST_F(VaribrightCommands, Command14RefusedByADLXAnswersFalseWithSuccess)
-{
-    Prepare(false, false);
-    const XeltoClient::Reply reply = Execute(m_service, 14, L"{\"BValue\": true}");
-    EXPECT_EQ(reply.status, StatusSuccess);
-    EXPECT_EQ(reply.response, L"{\"result\":false}");
-    EXPECT_EQ(SetEnabledValues(), std::vector<bool>{true});
-    EXPECT_FALSE(Enabled());
-}
-
 TEST_F(VaribrightCommands, BeforeAnyAmdOledCommandBothAnswerFalse)
 {
     InstallProfile(Laptop(true, false));
     // SetUp terminated ADLX: as in a process where no AMD OLED command ran.
-    XeltoClient::Reply reply = Execute(m_service, 13, L"{}");
-    EXPECT_EQ(reply.status, StatusSuccess);
-    EXPECT_EQ(reply.response, L"{\"result\":false}");
-    reply = Execute(m_service, 14, L"{\"BValue\": true}");
-    EXPECT_EQ(reply.status, StatusSuccess);
-    EXPECT_EQ(reply.response, L"{\"result\":false}");
+    EXPECT_TRUE(LumavenTest::Answered(Execute(m_service, 13, L"{}"), false));
+    EXPECT_TRUE(LumavenTest::Answered(Execute(m_service, 14, L"{\"BValue\": true}"), false));
     EXPECT_TRUE(Calls().empty()) << "neither command initialises ADLX";
     EXPECT_FALSE(g_ADLXHelp.IsLoaded());
     EXPECT_FALSE(Enabled());
@@ -197,9 +189,7 @@ TEST_F(VaribrightCommands, Command13WithoutAdlxLibraryAnswersFalse)
     // Not the state before any initialisation: the earlier display services are still held,
     // so only the missing library can make the answer false.
     ASSERT_NE(adlxDisplayServices, nullptr);
-    const XeltoClient::Reply reply = Execute(m_service, 13, L"{}");
-    EXPECT_EQ(reply.status, StatusSuccess);
-    EXPECT_EQ(reply.response, L"{\"result\":false}");
+    EXPECT_TRUE(LumavenTest::Answered(Execute(m_service, 13, L"{}"), false));
     EXPECT_FALSE(g_ADLXHelp.IsLoaded());
     EXPECT_TRUE(Calls().empty());
 }

@@ -196,12 +196,12 @@ TEST(WmiStatusMapping, OnlyAMissingNamespaceChangesTheConnectStatus)
 
 TEST(WmiStatusMapping, SecurityAlreadySetIsNotWorthAWarning)
 {
-    EXPECT_FALSE(SecurityFailureIsLogged(RPC_E_TOO_LATE));
-    EXPECT_FALSE(SecurityFailureIsLogged(S_OK));
-    EXPECT_FALSE(SecurityFailureIsLogged(S_FALSE));
-    EXPECT_TRUE(SecurityFailureIsLogged(E_FAIL));
-    EXPECT_TRUE(SecurityFailureIsLogged(E_OUTOFMEMORY));
-    EXPECT_TRUE(SecurityFailureIsLogged(RPC_E_NO_GOOD_SECURITY_PACKAGES));
+    for (const HRESULT quiet : {RPC_E_TOO_LATE, S_OK, S_FALSE}) {
+        EXPECT_FALSE(SecurityFailureIsLogged(quiet)) << std::hex << quiet;
+    }
+    for (const HRESULT failure : {E_FAIL, E_OUTOFMEMORY, RPC_E_NO_GOOD_SECURITY_PACKAGES}) {
+        EXPECT_TRUE(SecurityFailureIsLogged(failure)) << std::hex << failure;
+    }
 }
 
 // ---- End to end through Wine's WMI.

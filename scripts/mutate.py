@@ -12,8 +12,9 @@ stillborn and is not counted.
 Two ways to judge, with the same verdicts (docs/mutation/agreement.csv):
 - the switched build (default; scripts/mutate_schema.py): every mutant compiled into one
   private copy of the tree and switched on at run time by LUMAVEN_MUTANT; a mutant runs the
-  tests that reach it (a per-test map made once), then the full suites if it lives. A mutant the
-  compiler cannot switch at run time is rebuilt on its own, as below.
+  tests that reach it (a per-test map made once), then, if it lives, the whole suites those
+  tests belong to. A mutant the compiler cannot switch at run time is rebuilt on its own, as
+  below.
 - the rebuild (--plain): the mutant written into a private copy of the tree, rebuilt in its own
   build tree, and the suites run through CTest, cheapest first, up to the first that fails.
 The worktree's own sources are never touched: an interrupted run leaves at most the private
@@ -146,6 +147,7 @@ def mutants_of_lines(path, lines):
     in the order of line and column."""
     found = []
     in_block_comment = False
+    branches = []  # the open conditionals (track_branch)
     for number, line in enumerate(lines, 1):
         if in_block_comment:
             if "*/" in line:
@@ -155,9 +157,13 @@ def mutants_of_lines(path, lines):
         if stripped.startswith("/*"):
             in_block_comment = "*/" not in stripped
             continue
+        if stripped.startswith("#"):
+            track_branch(branches, stripped)
         # Preprocessor lines, compile-time checks and includes only give mutants that do not
-        # build or that change nothing.
-        if stripped.startswith("#") or stripped.startswith("static_assert") or not stripped:
+        # build or that change nothing; the other compiler's side of a compiler test is in no
+        # build here, so no suite could judge a mutant of it.
+        if stripped.startswith("#") or stripped.startswith("static_assert") or not stripped \
+                or "msvc" in branches:
             continue
         masked = mask(line)
         on_line = []
@@ -204,6 +210,21 @@ def mutants_of_lines(path, lines):
             on_line.append((path, number, len(indent), line[len(indent):], ";", "drop-call"))
         found.extend(sorted(on_line, key=lambda m: (m[2], KINDS.index(m[5]))))
     return found
+
+
+def track_branch(branches, directive):
+    """Keeps the stack of open conditionals, each "gnu" (the GCC and Clang side of a compiler
+    test), "msvc" (its #else, which neither compiler here builds) or "any"."""
+    words = directive[1:].split()
+    if not words:
+        return
+    if words[0] in ("if", "ifdef", "ifndef"):
+        compiler_test = re.match(r"#\s*if\s+defined\s*\(\s*__GNUC__\s*\)\s*$", directive)
+        branches.append("gnu" if compiler_test else "any")
+    elif words[0] in ("else", "elif") and branches:
+        branches[-1] = "msvc" if branches[-1] == "gnu" else branches[-1]
+    elif words[0] == "endif" and branches:
+        branches.pop()
 
 
 _ZERO = []
@@ -455,16 +476,37 @@ def failing_test(report):
     return "(no failed test: exit code or count)"
 
 
+# A suite stops at its first failed test: the verdict is the same, and a killed mutant costs less.
+FAIL_FAST = dict(os.environ, GTEST_FAIL_FAST="1")
 TARGETS = ["unit_tests", "scenario_tests", "fault_tests", "os_fault_tests"]
 
 
-def build_command(build):
-    return ["cmake", "--build", build, "-j", "2", "--target"] + TARGETS
+def build_command(build, targets=TARGETS):
+    return ["cmake", "--build", build, "-j", "2", "--target"] + targets
+
+
+# Why a rebuilt mutant whose service is the unmutated one, byte for byte, is equivalent.
+SAME_CODE = ("the rebuilt LumavenService.dll without its debug information is byte-identical to the "
+             "unmutated one: the service runs the same code")
+
+
+def service_code(build):
+    """A digest of the built service DLL without its debug information (which records constants
+    and names even where the code does not use them). The build is reproducible (no time stamp,
+    fixed paths), so equal digests mean the same code and data."""
+    dll = os.path.join(build, "bin", "LumavenService.dll")
+    stripped = dll + ".code"
+    # objcopy stamps the PE header with the time unless told the epoch.
+    subprocess.run(["x86_64-w64-mingw32-objcopy", "--strip-debug", dll, stripped], check=True,
+                   env=dict(os.environ, SOURCE_DATE_EPOCH="0"))
+    with open(stripped, "rb") as f:
+        return hashlib.sha256(f.read()).hexdigest()
 
 
 class PlainEngine:
     """The reference path: the mutant written into a private copy of the tree, rebuilt, and the
-    suites run through CTest, cheapest first, up to the first that fails."""
+    suites run through CTest, cheapest first, up to the first that fails. A mutant that leaves
+    the service's code as it was (a constant nothing uses) is equivalent without a run."""
 
     def __init__(self, work, lock):
         self.work = os.path.abspath(work)
@@ -483,6 +525,7 @@ class PlainEngine:
                     raise SystemExit("cannot configure the private copy; see %s" % self.log)
             if run(build_command(self.build), self.tree, self.log) != 0:
                 raise SystemExit("the unmutated copy does not build; see %s" % self.log)
+            self.unmutated = service_code(self.build)
         self.ready = True
 
     def judge(self, mutant):
@@ -503,12 +546,17 @@ class PlainEngine:
                     f.write(original)
 
     def run_suites(self):
+        # The service first: a mutant that leaves its code as it was needs no test built or run.
+        if run(build_command(self.build, ["LumavenService"]), self.tree, self.log) != 0:
+            return "stillborn", "", "", "rebuild"
+        if service_code(self.build) == self.unmutated:
+            return "equivalent", "", "", "rebuild, same code"
         if run(build_command(self.build), self.tree, self.log) != 0:
             return "stillborn", "", "", "rebuild"
         for suite in SUITES:
             report = os.path.join(self.build, "bin", "gtest-reports", suite + ".xml")
             code = run(["ctest", "--test-dir", self.build, "-R", "^%s$" % suite, "--timeout",
-                        str(SUITE_TIMEOUT[suite]), "--output-on-failure"], self.tree, self.log)
+                        str(SUITE_TIMEOUT[suite]), "--output-on-failure"], self.tree, self.log, env=FAIL_FAST)
             if code != 0:
                 return "killed", suite, failing_test(report), "rebuild"
         return "survived", "", "", "rebuild"
@@ -562,9 +610,12 @@ class Results:
             writer.writerow(row)
 
     def rewrite(self, order):
-        """The table sorted in the listing's order (rows of mutants no longer listed at the end)."""
+        """The table sorted in the listing's order (rows of mutants no longer listed at the end),
+        with the rows other runs appended meanwhile."""
         if not self.path or not os.path.exists(self.path):
             return
+        for key, row in Results(self.path).rows.items():
+            self.rows.setdefault(key, row)
         rank = {key: i for i, key in enumerate(order)}
         rows = sorted(self.rows.values(), key=lambda r: (rank.get(r["key"], len(rank)), r["key"]))
         with open(self.path, "w", newline="", encoding="utf-8") as f:
@@ -608,7 +659,7 @@ def main():
     parser.add_argument("--plain", action="store_true",
                         help="judge by rebuilding each mutant (the reference path) instead of the switched build")
     parser.add_argument("--no-confirm", action="store_true",
-                        help="switched build: do not run the full suites on a mutant the tests reaching it let live")
+                        help="switched build: do not run the whole suites on a mutant the tests reaching it let live")
     parser.add_argument("--results", default="",
                         help="table of verdicts to append to and resume from (CSV), e.g. docs/mutation/results.csv")
     parser.add_argument("--defer-rebuilds", action="store_true",
@@ -628,6 +679,10 @@ def main():
                         help="private copies, build trees and logs (default build/mutate)")
     parser.add_argument("--lock", default=os.environ.get("LUMAVEN_MUTATE_LOCK", ""),
                         help="a file to flock around each build and each mutant's suites")
+    parser.add_argument("--shard", default="0/1", metavar="K/N",
+                        help="judge every Nth chosen mutant from the Kth (K from 0): N runs with K = 0..N-1 share "
+                             "the work, each in a Wine prefix of its own and under LOCK.K (K > 0), e.g. two on a "
+                             "2-core machine; start the others once the first has built")
     parser.add_argument("--summary", action="store_true", help="only print the figures of the results table")
     parser.add_argument("--self-test", action="store_true", help="check the generator on a small sample")
     args = parser.parse_args()
@@ -660,6 +715,9 @@ def main():
         # The sample is the reference table's: the mutants it judged that are still listed.
         judged = Results(args.reference).rows
         chosen = [m for m in listing if keys[m] in judged]
+    shard, shards = (int(part) for part in args.shard.split("/"))
+    chosen = chosen[shard::shards]
+    run_lock = args.lock if shard == 0 or not args.lock else "%s.%d" % (args.lock, shard)
     results = Results(args.results)
     again = tuple(args.again.split(",")) if args.again else ()
     pending = [m for m in chosen if not results.has(keys[m], again)]
@@ -677,7 +735,7 @@ def main():
     if not args.plain or args.agreement:
         import mutate_schema
         fast = mutate_schema.FastEngine(os.path.join(work, "fast"), args.lock, listing, keys,
-                                               confirm=not args.no_confirm)
+                                        confirm=not args.no_confirm, worker=shard, run_lock=run_lock)
         fast.prepare()
     equivalents = load_equivalents()
     reference = Results(args.reference)
@@ -688,7 +746,7 @@ def main():
     started_all = time.time()
     # The switched path's mutants take seconds each: one hold of the lock serves a batch of them
     # (about two minutes, like one suite run), then the others get their turn.
-    batch = Lock(args.lock if fast is not None else "")
+    batch = Lock(run_lock if fast is not None else "")
     batch.__enter__()
     for index, mutant in enumerate(chosen, args.skip + 1):
         batch.share(120)
@@ -723,7 +781,7 @@ def main():
         else:
             verdict, suite, test, how = plain.judge(mutant)
         seconds = time.time() - started - Lock.waited  # the work, not the queueing for the lock
-        reason = ""
+        reason = SAME_CODE if verdict == "equivalent" else ""
         if verdict == "survived":
             reason = equivalents.get(equivalence_key(mutant, lines_of(mutant[0]))) or ""
             if reason:
@@ -834,6 +892,11 @@ def self_test():
         "    for (int i = 0; i < count; ++i) {",
         "        total += a * b - (c >> 2) | d;",
         "    }",
+        "#if defined(__GNUC__)",
+        "    total -= 2;",
+        "#else",
+        "    total -= 3;",  # the other compiler's side: no mutants
+        "#endif",
         "    return a + 1;",
         "}",
         "    virtual int Size() = 0;",
@@ -843,8 +906,8 @@ def self_test():
     counts = {}
     for mutant in found:
         counts[mutant[5]] = counts.get(mutant[5], 0) + 1
-    expected = {"comparison": 2, "logical": 1, "arithmetic": 4, "bitwise": 1, "shift": 1, "boolean": 1,
-                "constant": 3, "negation": 1, "return-default": 1, "loop-bound": 1, "drop-call": 1}
+    expected = {"comparison": 2, "logical": 1, "arithmetic": 5, "bitwise": 1, "shift": 1, "boolean": 1,
+                "constant": 4, "negation": 1, "return-default": 1, "loop-bound": 1, "drop-call": 1}
     problems = []
     if counts != expected:
         problems.append("operators: found %s, expected %s" % (counts, expected))

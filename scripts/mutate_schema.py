@@ -436,9 +436,9 @@ def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None):
         if ident in excluded:
             continue
         number = mutant[1]
-        previous = ""
+        previous = ""  # the last code line before it: a directive between says nothing of where it starts
         for back in range(number - 2, -1, -1):
-            if masked_lines[back].strip():
+            if masked_lines[back].strip() and not masked_lines[back].lstrip().startswith("#"):
                 previous = masked_lines[back]
                 break
         site = site_of(ident, mutant, lines[number - 1], masked_lines[number - 1], previous, columns[number - 1])
@@ -463,14 +463,18 @@ def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None):
 class FastEngine:
     """The switched build: one private copy of the tree whose src/ files are their schemata, built
     once; a mutant is run by naming it in LUMAVEN_MUTANT, first with only the tests that reach it
-    (from the per-test map), then, if it lives, with the full suites. A mutant that cannot be
-    switched (or that the schemata build refused) goes to the rebuild path."""
+    (from the per-test map), then, if it lives, with the whole suites that reach it. A mutant
+    that cannot be switched (or that the schemata build refused) goes to the rebuild path."""
 
-    def __init__(self, work, lock, listing, keys, confirm=True):
+    def __init__(self, work, lock, listing, keys, confirm=True, worker=0, run_lock=None):
         import mutate as base
         self.base = base
         self.work = os.path.abspath(work)
-        self.lock = lock
+        self.lock = lock  # the build and the map
+        # Several workers share the build, each running its mutants in a Wine prefix of its own
+        # (the simulated drivers keep their state there) under a lock of its own.
+        self.worker = worker
+        self.run_lock = run_lock if run_lock is not None else lock
         self.listing = listing
         self.keys = keys
         self.confirm = confirm
@@ -513,7 +517,7 @@ class FastEngine:
     def prepare(self):
         base = self.base
         os.makedirs(self.work, exist_ok=True)
-        self.log = os.path.join(self.work, "mutate.log")
+        self.log = os.path.join(self.work, "mutate.log" if not self.worker else "mutate-%d.log" % self.worker)
         header = os.path.join(self.work, "lumaven_mutant.h")
         if not os.path.exists(header) or open(header).read() != HEADER:
             with open(header, "w") as f:
@@ -547,7 +551,10 @@ class FastEngine:
         print("switched build: %d of %d mutants switched at run time, %d rebuilt one by one" %
               (len(self.switched), len(self.listing), len(self.listing) - len(self.switched)), flush=True)
         self.bin = os.path.join(self.build, "bin")
-        self.prefix = os.path.join(self.build, "wineprefix")
+        self.prefix = os.path.join(self.build, "wineprefix" if not self.worker else "wineprefix-%d" % self.worker)
+        if self.worker and base.run([os.path.join(self.tree, "cmake", "make-wineprefix.sh"), self.prefix], self.tree,
+                                    self.log) != 0:
+            raise SystemExit("cannot make the Wine prefix %s; see %s" % (self.prefix, self.log))
         self.coverage()
 
     def refusals(self, output):
@@ -596,7 +603,7 @@ class FastEngine:
 
     def gtest(self, suite, tests, env, timeout, fail_fast=False):
         """Runs the named tests of one suite program; (passed, the first failed test or why)."""
-        report_name = "fast-%s.xml" % suite
+        report_name = "fast-%s%s.xml" % (suite, "-%d" % self.worker if self.worker else "")
         report = os.path.join(self.bin, "gtest-reports", report_name)
         os.makedirs(os.path.dirname(report), exist_ok=True)
         if os.path.exists(report):
@@ -649,10 +656,13 @@ class FastEngine:
         return tests
 
     def ctest(self, suite, mutant):
+        """The whole suite; through CTest in the build's own prefix, directly in another worker's."""
+        if self.worker:
+            return self.gtest(suite, None, self.environment(mutant), self.base.SUITE_TIMEOUT[suite], fail_fast=True)
         report = os.path.join(self.bin, "gtest-reports", suite + ".xml")
         code = self.base.run(["ctest", "--test-dir", self.build, "-R", "^%s$" % suite, "--timeout",
                               str(self.base.SUITE_TIMEOUT[suite]), "--output-on-failure"], self.tree, self.log,
-                             env=self.environment(mutant))
+                             env=dict(self.environment(mutant), GTEST_FAIL_FAST="1"))
         return code == 0, ("" if code == 0 else self.base.failing_test(report))
 
     def baseline(self):
@@ -738,7 +748,7 @@ class FastEngine:
         # first failed test.
         order = sorted(reaching, key=lambda suite: sum(seconds for _, seconds in reaching[suite]))
         crashed = ""
-        with self.base.Lock(self.lock):
+        with self.base.Lock(self.run_lock):
             for suite in order:
                 tests = reaching[suite]
                 names = [name for name, _ in tests]
@@ -757,13 +767,20 @@ class FastEngine:
                     return "killed", suite, failed, "switched, %s whole after a crash" % suite
                 if not passed:
                     return "killed", suite, failed, "switched, %d reaching tests" % sum(map(len, reaching.values()))
+            if not reaching:
+                return "survived", "", "", "switched, reached by no test"
             if not self.confirm:
                 return "survived", "", "", "switched, reaching tests only" + crashed
+            # A suite none of whose tests reaches the mutant never runs it: its run is the
+            # unmutated one, which passes. A suite that reaches it runs whole, since a test that
+            # does not reach it may still fail on what a reaching test left behind.
             for suite in self.base.SUITES:
+                if suite not in reaching:
+                    continue
                 passed, failed = self.ctest(suite, ident)
                 if not passed:
-                    return "killed", suite, failed, "switched, full suites" + crashed
-        return "survived", "", "", "switched, full suites" + crashed
+                    return "killed", suite, failed, "switched, whole suites reaching it" + crashed
+        return "survived", "", "", "switched, whole suites reaching it" + crashed
 
 
 def switchable(listing, mask):

@@ -1,5 +1,7 @@
 #include "ImportHooks.h"
 
+#include "CallTrace.h"
+
 #include <oleauto.h>
 #include <setupapi.h>
 #include <wbemcli.h>
@@ -89,6 +91,7 @@ struct Import<library, function, R (*)(A...)> {
 
     static R Call(A... arguments)
     {
+        CallTrace::Record(function.text, arguments...);
         intptr_t value = 0;
         if (hook.Fires(value)) {
             return Returned<R>(value);
@@ -502,6 +505,7 @@ Method OriginalMethod(const Hook& hook)
 
 HRESULT WINAPI HookedGet(IWbemClassObject* self, LPCWSTR name, long flags, VARIANT* value, CIMTYPE* type, long* flavor)
 {
+    CallTrace::Record(g_get.Function(), name, flags, value, type, flavor);
     intptr_t failed = 0;
     if (g_get.Fires(failed)) {
         return static_cast<HRESULT>(failed);
@@ -523,6 +527,7 @@ HRESULT WINAPI HookedGet(IWbemClassObject* self, LPCWSTR name, long flags, VARIA
 HRESULT WINAPI HookedNext(IEnumWbemClassObject* self, long timeout, ULONG count, IWbemClassObject** objects,
                           ULONG* returned)
 {
+    CallTrace::Record(g_next.Function(), timeout, count, objects, returned);
     intptr_t failed = 0;
     if (g_next.Fires(failed)) {
         if (returned != nullptr) {
@@ -540,6 +545,8 @@ HRESULT WINAPI HookedNext(IEnumWbemClassObject* self, long timeout, ULONG count,
 HRESULT WINAPI HookedExecQuery(IWbemServices* self, BSTR language, BSTR query, long flags, IWbemContext* context,
                                IEnumWbemClassObject** enumerator)
 {
+    CallTrace::Record(g_execQuery.Function(), static_cast<const wchar_t*>(language), static_cast<const wchar_t*>(query),
+                      flags, context, enumerator);
     intptr_t failed = 0;
     if (g_execQuery.Fires(failed)) {
         *enumerator = nullptr;
@@ -556,6 +563,10 @@ HRESULT WINAPI HookedExecQuery(IWbemServices* self, BSTR language, BSTR query, l
 HRESULT WINAPI HookedConnectServer(IWbemLocator* self, BSTR wmiNamespace, BSTR user, BSTR password, BSTR locale,
                                    long securityFlags, BSTR authority, IWbemContext* context, IWbemServices** services)
 {
+    CallTrace::Record(g_connectServer.Function(), static_cast<const wchar_t*>(wmiNamespace),
+                      static_cast<const wchar_t*>(user), static_cast<const wchar_t*>(password),
+                      static_cast<const wchar_t*>(locale), securityFlags, static_cast<const wchar_t*>(authority),
+                      context, services);
     intptr_t failed = 0;
     if (g_connectServer.Fires(failed)) {
         *services = nullptr;
@@ -573,6 +584,7 @@ using CreateInstance = LUMAVEN_IMPORT("ole32.dll", CoCreateInstance);
 
 HRESULT WINAPI HookedCreateInstance(REFCLSID type, IUnknown* outer, DWORD context, REFIID interfaceId, void** object)
 {
+    CallTrace::Record(CreateInstance::hook.Function(), type, outer, context, interfaceId, object);
     intptr_t failed = 0;
     if (CreateInstance::hook.Fires(failed)) {
         *object = nullptr;
@@ -667,6 +679,7 @@ void DisarmAll()
     AnswerClassGuidCount(0);
     AnswerEdidClaim(0);
     FailAllocationsFrom(0);
+    TraceCalls(false);
 }
 
 void SkipWaits()

@@ -399,6 +399,16 @@ std::vector<OsFaultRow> MakeRows()
          .response = nullptr,
          .logs = kEventOffOn + Lines{L"I:ADL library not found!"},
          .after = Oled::One},
+
+        // ---- SetupAPI: the largest class list a name may stand for ---------------------------
+        // 256 class GUIDs under one name are still taken (the monitors of the first are listed);
+        // one more is the call failing.
+        {.function = "SetupDiClassGuidsFromNameW", .classGuidCount = 256, .run = Entry::Factory},
+        {.function = "SetupDiClassGuidsFromNameW",
+         .classGuidCount = 257,
+         .run = Entry::Factory,
+         .created = false,
+         .logs = {kUnsupported}},
     };
 }
 

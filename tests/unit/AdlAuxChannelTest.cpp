@@ -374,6 +374,26 @@ TEST_F(AdlAuxChannel, MissingEdidEntryPointIsLoggedPerConsideredDisplay)
     EXPECT_EQ(StateNumber("amd", "unloads"), 1);
 }
 
+// An EDID that cannot be read counts as identity 0, which is also what a service holds when
+// no supported panel was found at start-up: such a display matches, and the (empty) list of
+// writes for that identity is sent to it.
+TEST_F(AdlAuxChannel, AnUnreadableEdidMatchesThePanelIdentityZero)
+{
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx_noedid.dll"}}));
+    m_capture.Clear();
+    EXPECT_TRUE(WriteAuxDataAmd(0, {}));
+    EXPECT_EQ(Logged(), (std::vector<std::wstring>{L"nAdapter count=1", L"display count=1", L"EDID API is NULL",
+                                                   L"Write AUX data"}));
+
+    InstallProfile(Laptop({Adapter(0, {Display(3, 0)})}, {{"atiadlxx.dll", "atiadlxx.dll"}},
+                          {{.function = "ADL2_Display_EdidData_Get", .code = -1}}));
+    m_capture.Clear();
+    EXPECT_TRUE(WriteAuxDataAmd(0, {}));
+    EXPECT_EQ(Logged(), (std::vector<std::wstring>{L"nAdapter count=1", L"display count=1", L"Write AUX data"}));
+    EXPECT_EQ(RecordsOf("ADL2_Display_EdidData_Get").size(), 1u);
+    EXPECT_TRUE(RecordsOf("ADL2_Display_NativeAUXChannel_Access").empty());
+}
+
 TEST_F(AdlAuxChannel, AnotherPanelIsNotWritten)
 {
     InstallProfile(Laptop({Adapter(0, {Display(3, 0, Panels::kSdc4174)})}));

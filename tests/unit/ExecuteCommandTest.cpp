@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <malloc.h>
+
 #include <atomic>
 #include <chrono>
 #include <memory>
@@ -218,6 +220,22 @@ TEST(ResponseText, ResponsesUpTo65535CharactersAreCopied)
     ASSERT_NE(out, nullptr);
     EXPECT_EQ(wcslen(out), 65535u);
     std::free(out);
+}
+
+// The host frees the text and may measure it: the block holds the text and its terminator,
+// so the copy writes nothing past what it allocated.
+TEST(ResponseText, TheCopyIsAllocatedForTheTextAndItsTerminator)
+{
+    for (const size_t length : {size_t{9}, size_t{64}, size_t{1000}, size_t{65535}}) {
+        Document response;
+        FillResponseOfLength(response, length);
+        wchar_t* out = nullptr;
+        ASSERT_EQ(CopyResponseText(response, &out), StatusSuccess);
+        ASSERT_NE(out, nullptr);
+        EXPECT_EQ(_msize(out), (length + 1) * sizeof(wchar_t)) << length;
+        EXPECT_EQ(out[length], L'\0') << length;
+        std::free(out);
+    }
 }
 
 TEST(ResponseText, LongerResponsesAreRefusedWithANullText)

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <malloc.h>
+
 #include <memory>
 
 using namespace Xelto::Spanlet::Server::Services;
@@ -67,6 +69,8 @@ TEST(ServiceObject, CreateStringCopiesTheTextIntoANewHolder)
     ASSERT_NE(*holder, nullptr);
     EXPECT_EQ(std::wstring(*holder), text);
     EXPECT_NE(*holder, text.c_str());
+    // The copy's block holds the text and its terminator, and nothing is written past it.
+    EXPECT_EQ(_msize(*holder), (text.size() + 1) * sizeof(wchar_t));
     EXPECT_EQ(service.ReleaseString(&holder), 0u);
     EXPECT_NE(holder, nullptr);  // ReleaseString does not clear the caller's pointer
 }
@@ -78,6 +82,7 @@ TEST(ServiceObject, CreateStringWithNullTextMakesAnEmptyString)
     ASSERT_EQ(service.CreateString(nullptr, &holder), 0u);
     ASSERT_NE(holder, nullptr);
     EXPECT_EQ(std::wstring(*holder), L"");
+    EXPECT_EQ(_msize(*holder), sizeof(wchar_t));
     EXPECT_EQ(service.ReleaseString(&holder), 0u);
 }
 

@@ -736,6 +736,7 @@ def main():
         import mutate_schema
         fast = mutate_schema.FastEngine(os.path.join(work, "fast"), args.lock, listing, keys,
                                         confirm=not args.no_confirm, worker=shard, run_lock=run_lock)
+        fast.killers = results.rows  # the table's verdicts, growing as the run goes
         fast.prepare()
     equivalents = load_equivalents()
     reference = Results(args.reference)

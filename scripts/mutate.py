@@ -312,7 +312,7 @@ def load_equivalents():
 
 def equivalence_key(mutant, source_lines):
     path, number, column, old, new, kind = mutant
-    return (path, source_lines[number - 1].strip(), "%s -> %s" % (old.strip(), new))
+    return (path, source_lines[number - 1].strip(), ("%s -> %s" % (old.strip(), new)).strip())
 
 
 def ordered_mutants(seed, pattern):

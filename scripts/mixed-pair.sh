@@ -36,7 +36,7 @@ if cmp -s "$gcc_tree/bin/LumavenService.dll" "$clang_tree/bin/LumavenService.dll
 fi
 
 export WINEPREFIX="$mixed/wineprefix"
-"$root/cmake/make-wineprefix.sh" "$WINEPREFIX" >/dev/null || exit 2
+"$root/cmake/make-wineprefix.sh" "$WINEPREFIX" >/dev/null || { echo "mixed pair: no Wine prefix" >&2; exit 2; }
 
 # pair NAME HOST_TREE SERVICE_TREE [GoogleTest arguments...]
 pair() {

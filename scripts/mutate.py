@@ -6,8 +6,9 @@ Each mutant changes one token of one line: a comparison flipped, && and || swapp
 inverted, a unary ! removed, a returned value replaced by its type's default, a counted loop's
 bound lowered by one, or a call statement dropped. A mutant is judged by the unit, scenario,
 fault and OS-fault suites; a suite passes only on GoogleTest's own report, so a crash, a hang
-(the time limit) or an early exit kills the mutant as a failed test does. A mutant that does not build is
-stillborn and is not counted.
+(the time limit) or an early exit kills the mutant as a failed test does, and so does a suite
+whose program does not build (a compile-time check of the tests). A mutant whose service does
+not build is stillborn and is not counted.
 
 Two ways to judge, with the same verdicts (docs/mutation/agreement.csv):
 - the switched build (default; scripts/mutate_schema.py): every mutant compiled into one
@@ -551,9 +552,13 @@ class PlainEngine:
             return "stillborn", "", "", "rebuild"
         if service_code(self.build) == self.unmutated:
             return "equivalent", "", "", "rebuild, same code"
-        if run(build_command(self.build), self.tree, self.log) != 0:
-            return "stillborn", "", "", "rebuild"
+        # Each suite is built just before it runs: a mutant the first suite kills (most of them)
+        # does not wait for the other suites' programs to compile and link. The service built, so
+        # a suite whose program does not build has a test that refuses the mutant at compile
+        # time (a size or value the test checks with static_assert): that suite kills it.
         for suite in SUITES:
+            if run(build_command(self.build, [suite]), self.tree, self.log) != 0:
+                return "killed", suite, "(does not build)", "rebuild"
             report = os.path.join(self.build, "bin", "gtest-reports", suite + ".xml")
             code = run(["ctest", "--test-dir", self.build, "-R", "^%s$" % suite, "--timeout",
                         str(SUITE_TIMEOUT[suite]), "--output-on-failure"], self.tree, self.log, env=FAIL_FAST)

@@ -363,6 +363,9 @@ class SourceLines:
         return self.cache[path]
 
 
+TIMED_OUT = 124  # run's answer when the command outlived its time limit
+
+
 def run(command, cwd, log, timeout=None, env=None):
     with open(log, "a") as out:
         out.write("\n$ %s\n" % " ".join(command))
@@ -371,7 +374,7 @@ def run(command, cwd, log, timeout=None, env=None):
             return subprocess.run(command, cwd=cwd, stdout=out, stderr=subprocess.STDOUT, timeout=timeout,
                                   env=env).returncode
         except subprocess.TimeoutExpired:
-            return 124
+            return TIMED_OUT
 
 
 class Lock:
@@ -560,8 +563,15 @@ class PlainEngine:
             if run(build_command(self.build, [suite]), self.tree, self.log) != 0:
                 return "killed", suite, "(does not build)", "rebuild"
             report = os.path.join(self.build, "bin", "gtest-reports", suite + ".xml")
+            # CTest's own time limit ends the script that starts Wine, not the Wine process, and
+            # then waits for it: a mutant that hangs is stopped here, with the prefix's Wine server.
             code = run(["ctest", "--test-dir", self.build, "-R", "^%s$" % suite, "--timeout",
-                        str(SUITE_TIMEOUT[suite]), "--output-on-failure"], self.tree, self.log, env=FAIL_FAST)
+                        str(SUITE_TIMEOUT[suite]), "--output-on-failure"], self.tree, self.log, env=FAIL_FAST,
+                       timeout=SUITE_TIMEOUT[suite] + 30)
+            if code == TIMED_OUT:
+                subprocess.run(["wineserver", "-k"], env=dict(os.environ, WINEPREFIX=os.path.join(self.build, "wineprefix")),
+                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                return "killed", suite, "(time limit of %d s)" % SUITE_TIMEOUT[suite], "rebuild"
             if code != 0:
                 return "killed", suite, failing_test(report), "rebuild"
         return "survived", "", "", "rebuild"

@@ -336,6 +336,33 @@ def constant_site(ident, mutant, masked, runtime_names, constant_members=False):
     return Site(ident, mutant, column, column + len(old), "expression", declared=name)
 
 
+CONSTEXPR_FUNCTION = re.compile(r"^\s*(?:(?:static|inline)\s+)*(?:constexpr|consteval)\s+[^=;{(]*?(\w+)\s*\([^=;{]*\)\s*"
+                                r"(?:const\s*)?(?:noexcept\s*)?$")
+
+
+def constexpr_function_lines(masked_lines):
+    """The numbers of the lines inside the bodies of the constexpr functions that a static_assert of
+    the same file calls. Such a function runs in the compiler, where a switch read at run time
+    changes nothing: a mutant there is rebuilt, so that the check it breaks shows as in a build."""
+    lines = set()
+    asserted = " ".join(line for line in masked_lines if "static_assert" in line)
+    number = 0
+    while number < len(masked_lines):
+        header = CONSTEXPR_FUNCTION.match(masked_lines[number])
+        if header and re.search(r"\b%s\s*\(" % header.group(1), asserted):
+            depth = 0
+            opened = False
+            for body in range(number + 1, len(masked_lines)):
+                depth += masked_lines[body].count("{") - masked_lines[body].count("}")
+                opened = opened or "{" in masked_lines[body]
+                lines.add(body + 1)
+                if opened and depth <= 0:
+                    number = body
+                    break
+        number += 1
+    return lines
+
+
 CONSTEXPR_CONSTRUCTOR = re.compile(r"^\s*(?:explicit\s+)?constexpr\s+(?:explicit\s+)?([A-Za-z_]\w*)\s*\(")
 # Where a constant's value is needed at compile time: a use on such a line keeps it a constant.
 COMPILE_TIME = re.compile(r"\b(?:case|static_assert|constexpr|constinit|consteval|alignas|template|sizeof)\b")
@@ -514,9 +541,10 @@ def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None, runtime_na
     # A file that declares a constexpr constructor has objects made at compile time (constinit
     # globals), whose members' default values must stay constants.
     constant_members = any(CONSTEXPR_CONSTRUCTOR.match(line) for line in masked_lines)
+    compile_time = constexpr_function_lines(masked_lines)
     by_line = {}
     for ident, mutant in mutants_with_ids:
-        if ident in excluded:
+        if ident in excluded or mutant[1] in compile_time:
             continue
         number = mutant[1]
         previous = ""  # the last code line before it: a directive between says nothing of where it starts

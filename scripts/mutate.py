@@ -6,8 +6,9 @@ Each mutant changes one token of one line: a comparison flipped, && and || swapp
 inverted, a unary ! removed, a returned value replaced by its type's default, a counted loop's
 bound lowered by one, or a call statement dropped. A mutant is judged by the unit, scenario,
 fault and OS-fault suites; a suite passes only on GoogleTest's own report, so a crash, a hang
-(the time limit) or an early exit kills the mutant as a failed test does. A mutant that does not build is
-stillborn and is not counted.
+(the time limit) or an early exit kills the mutant as a failed test does, and so does a suite
+whose program does not build (a compile-time check of the tests). A mutant whose service does
+not build is stillborn and is not counted.
 
 Two ways to judge, with the same verdicts (docs/mutation/agreement.csv):
 - the switched build (default; scripts/mutate_schema.py): every mutant compiled into one
@@ -362,6 +363,9 @@ class SourceLines:
         return self.cache[path]
 
 
+TIMED_OUT = 124  # run's answer when the command outlived its time limit
+
+
 def run(command, cwd, log, timeout=None, env=None):
     with open(log, "a") as out:
         out.write("\n$ %s\n" % " ".join(command))
@@ -370,7 +374,7 @@ def run(command, cwd, log, timeout=None, env=None):
             return subprocess.run(command, cwd=cwd, stdout=out, stderr=subprocess.STDOUT, timeout=timeout,
                                   env=env).returncode
         except subprocess.TimeoutExpired:
-            return 124
+            return TIMED_OUT
 
 
 class Lock:
@@ -551,12 +555,23 @@ class PlainEngine:
             return "stillborn", "", "", "rebuild"
         if service_code(self.build) == self.unmutated:
             return "equivalent", "", "", "rebuild, same code"
-        if run(build_command(self.build), self.tree, self.log) != 0:
-            return "stillborn", "", "", "rebuild"
+        # Each suite is built just before it runs: a mutant the first suite kills (most of them)
+        # does not wait for the other suites' programs to compile and link. The service built, so
+        # a suite whose program does not build has a test that refuses the mutant at compile
+        # time (a size or value the test checks with static_assert): that suite kills it.
         for suite in SUITES:
+            if run(build_command(self.build, [suite]), self.tree, self.log) != 0:
+                return "killed", suite, "(does not build)", "rebuild"
             report = os.path.join(self.build, "bin", "gtest-reports", suite + ".xml")
+            # CTest's own time limit ends the script that starts Wine, not the Wine process, and
+            # then waits for it: a mutant that hangs is stopped here, with the prefix's Wine server.
             code = run(["ctest", "--test-dir", self.build, "-R", "^%s$" % suite, "--timeout",
-                        str(SUITE_TIMEOUT[suite]), "--output-on-failure"], self.tree, self.log, env=FAIL_FAST)
+                        str(SUITE_TIMEOUT[suite]), "--output-on-failure"], self.tree, self.log, env=FAIL_FAST,
+                       timeout=SUITE_TIMEOUT[suite] + 30)
+            if code == TIMED_OUT:
+                subprocess.run(["wineserver", "-k"], env=dict(os.environ, WINEPREFIX=os.path.join(self.build, "wineprefix")),
+                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                return "killed", suite, "(time limit of %d s)" % SUITE_TIMEOUT[suite], "rebuild"
             if code != 0:
                 return "killed", suite, failing_test(report), "rebuild"
         return "survived", "", "", "rebuild"

@@ -302,20 +302,95 @@ def in_code(columns, column):
 class Site:
     """One switched mutant: the columns it replaces on its line and how it renders."""
 
-    def __init__(self, ident, mutant, start, end, form):
+    def __init__(self, ident, mutant, start, end, form, declared=None):
         self.ident = ident
         self.mutant = mutant
         self.start = start
         self.end = end
         self.form = form  # "expression", "drop" or "return"
+        self.declared = declared  # the name a run-time constant declares (see constant_site)
         self.children = []
 
 
-def site_of(ident, mutant, line, masked, previous, columns):
+# A variable outside any function initialized by one literal: `[inline] [constexpr] TYPE NAME = LITERAL;`
+# (a named constant at namespace scope, or a member's default value in a class).
+DECLARATION = re.compile(r"^\s*(?:inline\s+)?(?:constexpr\s+)?(?:const\s+)?(?!using\b|return\b|static\b|extern\b|enum\b)"
+                         r"[A-Za-z_][\w:]*(?:<[\w:, ]*>)?\s+(?P<name>[A-Za-z_]\w*)\s*=\s*(?P<init>-?\s*\w+)\s*;\s*$")
+
+
+def constant_site(ident, mutant, masked, runtime_names):
+    """A literal outside a function that can still be switched at run time: the initializer of a
+    named constant that every use reads at run time (its `constexpr` becomes `const`, so that it
+    is initialized when the module loads), or a class member's default value (evaluated by each
+    constructor). A constant some use needs at compile time (a case label, an array bound, a
+    static_assert, another constant's initializer) is rebuilt instead."""
+    path, number, column, old, new, kind = mutant
+    m = DECLARATION.match(masked)
+    if not m or not m.start("init") <= column < m.end("init"):
+        return None
+    name = m.group("name")
+    if re.search(r"\b(?:constexpr|const)\b", masked) and name not in runtime_names:
+        return None  # a constant, which a use may need at compile time
+    return Site(ident, mutant, column, column + len(old), "expression", declared=name)
+
+
+# Where a constant's value is needed at compile time: a use on such a line keeps it a constant.
+COMPILE_TIME = re.compile(r"\b(?:case|static_assert|constexpr|constinit|consteval|alignas|template|sizeof)\b")
+# The folders whose code reads the service's headers (the simulated drivers declare their own).
+READERS = ("src", "tests", "bench", "host")
+
+
+def runtime_constants(root, mask):
+    """The names of the constants declared in src/ (`[inline] constexpr` or `const`, initialized by
+    one literal) that the service's code reads and that every use, in the service and in the code
+    that includes its headers, reads at run time: inside a function, on a line that is no case label, array bound, template
+    argument or constant expression of its own. A use the scan does not see as such (a
+    constant expression running over several lines) makes the compiler refuse the switch, and
+    the refusal names the constant (FastEngine.refusals)."""
+    texts = {}
+    for folder in READERS:
+        for base, _, files in os.walk(os.path.join(root, folder)):
+            for name in sorted(files):
+                if name.endswith((".h", ".cpp")):
+                    path = os.path.join(base, name)
+                    with open(path, encoding="utf-8", errors="replace") as f:
+                        texts[os.path.relpath(path, root)] = f.read().split("\n")
+    declared = {}
+    for path, lines in texts.items():
+        if not path.startswith("src" + os.sep):
+            continue
+        for number, line in enumerate(lines, 1):
+            masked = mask(line)
+            m = DECLARATION.match(masked)
+            if m and re.search(r"\b(?:constexpr|const)\b", masked) and not re.search(r"\bstatic\b", masked):
+                declared.setdefault(m.group("name"), set()).add((path, number))
+    if not declared:
+        return frozenset()
+    word = re.compile(r"\b(%s)\b" % "|".join(sorted(declared, key=len, reverse=True)))
+    compile_time = set()
+    used = set()  # read by the service's own code: one that only tests read leaves the DLL as it was
+    for path, lines in texts.items():
+        masked_lines = [mask(line) for line in lines]
+        columns = code_columns(masked_lines)
+        for number, masked in enumerate(masked_lines, 1):
+            for m in word.finditer(masked):
+                name = m.group(1)
+                if (path, number) in declared[name]:
+                    continue
+                bracketed = re.search(r"\[[^\[\]]*\b%s\b[^\[\]]*\]|<[^<>;()]*\b%s\b[^<>;()]*>" % (name, name), masked)
+                if not in_code(columns[number - 1], m.start()) or COMPILE_TIME.search(masked) or bracketed:
+                    compile_time.add(name)
+                elif path.startswith("src" + os.sep):
+                    used.add(name)
+    return frozenset(name for name, places in declared.items()
+                     if name in used and name not in compile_time and len(places) == 1)
+
+
+def site_of(ident, mutant, line, masked, previous, columns, runtime_names=frozenset()):
     """The switched form of one mutant, or None when it cannot be switched at run time."""
     path, number, column, old, new, kind = mutant
     if not in_code(columns, column):
-        return None
+        return constant_site(ident, mutant, masked, runtime_names) if kind in ("constant", "boolean") else None
     if re.search(r"\bconstexpr\b|\bstatic_assert\b|\btemplate\b", masked) and "if constexpr" not in masked:
         return None
     if kind in ("comparison", "logical", "arithmetic", "bitwise", "shift"):
@@ -424,11 +499,12 @@ def rendered_spans(rendered, ids):
     return spans
 
 
-def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None):
+def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None, runtime_names=frozenset(), names=None):
     """The file's lines with its mutants switched, and the set of mutant ids switched.
 
     mutants_with_ids: [(id, mutant)] of this file; excluded: ids never to switch (the ones a
-    build of the schemata refused)."""
+    build of the schemata refused); runtime_names: the named constants only read at run time
+    (runtime_constants); names, when given, gets {id: name} of each switched constant."""
     masked_lines = [mask(line) for line in lines]
     columns = code_columns(masked_lines)
     by_line = {}
@@ -441,7 +517,8 @@ def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None):
             if masked_lines[back].strip() and not masked_lines[back].lstrip().startswith("#"):
                 previous = masked_lines[back]
                 break
-        site = site_of(ident, mutant, lines[number - 1], masked_lines[number - 1], previous, columns[number - 1])
+        site = site_of(ident, mutant, lines[number - 1], masked_lines[number - 1], previous, columns[number - 1],
+                       runtime_names)
         if site is not None:
             by_line.setdefault(number, []).append(site)
     switched = set()
@@ -451,6 +528,12 @@ def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None):
         kept = set(s.ident for s in sites) - set(s.ident for s in dropped)
         line = lines[number - 1]
         rendered = render(line, roots, 0, len(line))
+        if any(site.declared for site in sites):
+            rendered = re.sub(r"\bconstexpr\b", "const", rendered, count=1)
+        if names is not None:
+            for site in sites:
+                if site.declared and site.ident in kept:
+                    names[site.ident] = site.declared
         if bracket_balance(mask(rendered)) != bracket_balance(masked_lines[number - 1]):
             continue  # a switch that would break the line's brackets: its mutants are rebuilt instead
         out[number - 1] = rendered
@@ -483,6 +566,7 @@ class FastEngine:
         self.by_id = {ident: mutant for mutant, ident in self.ids.items()}
         self.switched = set()
         self.spans = {}
+        self.names = {}  # id -> the name of a switched run-time constant
 
     # -- the build ------------------------------------------------------------------------
     def refused_path(self):
@@ -502,12 +586,14 @@ class FastEngine:
             by_file.setdefault(mutant[0], []).append((self.ids[mutant], mutant))
         texts = {}
         switched = set()
+        runtime_names = runtime_constants(self.base.ROOT, self.base.mask)
+        self.names = {}
         for path, items in sorted(by_file.items()):
             with open(os.path.join(self.base.ROOT, path), encoding="utf-8") as f:
                 lines = f.read().split("\n")
             excluded = set(ident for ident, mutant in items if self.keys[mutant] in refused)
             spans = {}
-            out, ids = schema_of(lines, items, self.base.mask, excluded, spans)
+            out, ids = schema_of(lines, items, self.base.mask, excluded, spans, runtime_names, self.names)
             for number, by_id in spans.items():
                 self.spans[(path, number)] = by_id
             if ids:
@@ -553,8 +639,7 @@ class FastEngine:
               (len(self.switched), len(self.listing), len(self.listing) - len(self.switched)), flush=True)
         self.bin = os.path.join(self.build, "bin")
         self.prefix = os.path.join(self.build, "wineprefix" if not self.worker else "wineprefix-%d" % self.worker)
-        if self.worker and base.run([os.path.join(self.tree, "cmake", "make-wineprefix.sh"), self.prefix], self.tree,
-                                    self.log) != 0:
+        if base.run([os.path.join(self.tree, "cmake", "make-wineprefix.sh"), self.prefix], self.tree, self.log) != 0:
             raise SystemExit("cannot make the Wine prefix %s; see %s" % (self.prefix, self.log))
         self.coverage()
 
@@ -582,6 +667,18 @@ class FastEngine:
                 precise.add(min(inside)[1])
             else:
                 named.add((rel, number))
+        # A switched constant is refused wherever a message names a line that uses it, in any
+        # file of the tree (a test's static_assert, another constant's initializer).
+        for m in message.finditer(output):
+            path = os.path.normpath(m.group(1) if os.path.isabs(m.group(1)) else os.path.join(self.build, m.group(1)))
+            if not path.startswith(self.tree + os.sep) or not os.path.exists(path):
+                continue
+            with open(path, encoding="utf-8", errors="replace") as f:
+                lines = f.read().split("\n")
+            number = int(m.group(2))
+            text = self.base.mask(lines[number - 1]) if 0 < number <= len(lines) else ""
+            precise |= set(i for i, name in self.names.items()
+                           if i in self.switched and re.search(r"\b%s\b" % re.escape(name), text))
         keys = set(self.keys[self.by_id[i]] for i in self.switched
                    if (self.by_id[i][0], self.by_id[i][1]) in named or i in precise)
         if not keys:
@@ -657,14 +754,11 @@ class FastEngine:
         return tests
 
     def ctest(self, suite, mutant):
-        """The whole suite; through CTest in the build's own prefix, directly in another worker's."""
-        if self.worker:
-            return self.gtest(suite, None, self.environment(mutant), self.base.SUITE_TIMEOUT[suite], fail_fast=True)
-        report = os.path.join(self.bin, "gtest-reports", suite + ".xml")
-        code = self.base.run(["ctest", "--test-dir", self.build, "-R", "^%s$" % suite, "--timeout",
-                              str(self.base.SUITE_TIMEOUT[suite]), "--output-on-failure"], self.tree, self.log,
-                             env=dict(self.environment(mutant), GTEST_FAIL_FAST="1"))
-        return code == 0, ("" if code == 0 else self.base.failing_test(report))
+        """The whole suite, run directly in the worker's prefix. Not through CTest: its time limit
+        ends the script that starts Wine but not the Wine process, so a mutant that hangs (a
+        lock taken twice) would keep CTest waiting for ever; here the time limit stops the
+        prefix's Wine server and the hang kills the mutant."""
+        return self.gtest(suite, None, self.environment(mutant), self.base.SUITE_TIMEOUT[suite], fail_fast=True)
 
     def baseline(self):
         """No mutant named: every suite must pass, or the switches changed the service."""
@@ -814,9 +908,10 @@ def switchable(listing, mask):
         by_file.setdefault(mutant[0], []).append((ident, mutant))
     import mutate as base
     result = set()
+    runtime_names = runtime_constants(base.ROOT, mask)
     for path, items in by_file.items():
         with open(os.path.join(base.ROOT, path), encoding="utf-8") as f:
             lines = f.read().split("\n")
-        _, ids = schema_of(lines, items, mask)
+        _, ids = schema_of(lines, items, mask, runtime_names=runtime_names)
         result |= set(mutant for ident, mutant in items if ident in ids)
     return result

@@ -235,6 +235,31 @@ int InjectedFault(const char* function)
     return result;
 }
 
+// What an entry point's look at the machine decided: a fault of the profile (`result` its
+// code), a refusal of the call with its reason (kInvalidParameter), or kOk.
+struct StateAnswer {
+    int result = kOk;
+    std::string refused;
+};
+
+// Runs `look` on the machine's state, unless a fault of the profile takes this call of
+// `function` first; `look` returns why it refuses the call, or an empty text.
+template <class Look>
+StateAnswer LookAtState(const char* function, Look&& look)
+{
+    StateAnswer answer;
+    LumavenSim::WithState([&](rapidjson::Document& state) {
+        if (!TookFault(state, function, answer.result)) {
+            answer.refused = look(state);
+            if (!answer.refused.empty()) {
+                answer.result = kInvalidParameter;
+            }
+        }
+        return true;
+    });
+    return answer;
+}
+
 std::string RegisterName(uint32_t address)
 {
     char name[16];
@@ -360,22 +385,15 @@ int ADL2_Adapter_AdapterInfo_Get(Context handle, AdapterInfo* lpInfo, int iInput
     if (const auto refused = record.CheckContext(handle, lpInfo, "no adapter buffer")) {
         return *refused;
     }
-    int result = kOk;
     int filled = 0;
-    std::string refused;
-    LumavenSim::WithState([&](rapidjson::Document& state) {
-        if (TookFault(state, "ADL2_Adapter_AdapterInfo_Get", result)) {
-            return true;
-        }
+    const StateAnswer answer = LookAtState("ADL2_Adapter_AdapterInfo_Get", [&](rapidjson::Document& state) {
         // The buffer must hold a record for every adapter reported; nothing is written into
         // one that is too small.
         const int64_t needed =
             static_cast<int64_t>(ReportedAdapterCount(state)) * static_cast<int64_t>(sizeof(AdapterInfo));
         if (iInputSize <= 0 || iInputSize < needed) {
-            result = kInvalidParameter;
-            refused = "iInputSize " + std::to_string(iInputSize) + " is below the " + std::to_string(needed) +
-                      " bytes of the adapters reported";
-            return true;
+            return "iInputSize " + std::to_string(iInputSize) + " is below the " + std::to_string(needed) +
+                   " bytes of the adapters reported";
         }
         const auto adapters = Adapters(state);
         const size_t room = static_cast<size_t>(iInputSize) / sizeof(AdapterInfo);
@@ -398,13 +416,13 @@ int ADL2_Adapter_AdapterInfo_Get(Context handle, AdapterInfo* lpInfo, int iInput
             info.iOSDisplayIndex = static_cast<int>(i);
             ++filled;
         }
-        return true;
+        return std::string();
     });
     record.Int("filled", filled);
-    if (!refused.empty()) {
-        return record.Refuse(result, refused);
+    if (!answer.refused.empty()) {
+        return record.Refuse(answer.result, answer.refused);
     }
-    return record.Done(result);
+    return record.Done(answer.result);
 }
 
 int ADL2_Display_DisplayInfo_Get(Context handle, int iAdapterIndex, int* lpNumDisplays, DisplayInfo** lppInfo,
@@ -425,18 +443,11 @@ int ADL2_Display_DisplayInfo_Get(Context handle, int iAdapterIndex, int* lpNumDi
     if (iForceDetect != 0 && iForceDetect != 1) {
         return record.Refuse(kInvalidParameter, "iForceDetect " + std::to_string(iForceDetect) + " is neither 0 nor 1");
     }
-    int result = kOk;
-    std::string refused;
     std::vector<DisplayInfo> infos;
-    LumavenSim::WithState([&](rapidjson::Document& state) {
-        if (TookFault(state, "ADL2_Display_DisplayInfo_Get", result)) {
-            return true;
-        }
+    const StateAnswer answer = LookAtState("ADL2_Display_DisplayInfo_Get", [&](rapidjson::Document& state) {
         rapidjson::Value* adapter = FindAdapterByIndex(state, iAdapterIndex);
         if (adapter == nullptr) {
-            result = kInvalidParameter;
-            refused = "no adapter has iAdapterIndex " + std::to_string(iAdapterIndex);
-            return true;
+            return "no adapter has iAdapterIndex " + std::to_string(iAdapterIndex);
         }
         const auto displays = Displays(*adapter);
         // The profile's "counts" can make the adapter list another number of displays: the
@@ -465,13 +476,13 @@ int ADL2_Display_DisplayInfo_Get(Context handle, int iAdapterIndex, int* lpNumDi
             info.iDisplayInfoValue = IntMember(display, "infoValue", info.iDisplayInfoMask);
             infos.push_back(info);
         }
-        return true;
+        return std::string();
     });
-    if (!refused.empty()) {
-        return record.Refuse(result, refused);
+    if (!answer.refused.empty()) {
+        return record.Refuse(answer.result, answer.refused);
     }
-    if (result != kOk) {
-        return record.Done(result);
+    if (answer.result != kOk) {
+        return record.Done(answer.result);
     }
     // Like ADL: the list comes from the caller's allocation callback and the caller frees it.
     DisplayInfo* list = nullptr;
@@ -501,34 +512,25 @@ int ADL2_Display_EdidData_Get(Context handle, int iAdapterIndex, int iDisplayInd
             if (const auto reserved = LumavenSim::FirstNonZero(edid.iReserved)) {
                 return record.Refuse(kInvalidParameter, "iReserved[" + std::to_string(*reserved) + "] is not zero");
             }
-            int result = kOk;
-            std::string refused;
             std::vector<uint8_t> bytes;
-            LumavenSim::WithState([&](rapidjson::Document& state) {
-                if (TookFault(state, "ADL2_Display_EdidData_Get", result)) {
-                    return true;
-                }
+            const StateAnswer answer = LookAtState("ADL2_Display_EdidData_Get", [&](rapidjson::Document& state) {
                 const auto adapters = Adapters(state);
                 if (iAdapterIndex < 0 || static_cast<size_t>(iAdapterIndex) >= adapters.size()) {
-                    result = kInvalidParameter;
-                    refused = "no adapter " + std::to_string(iAdapterIndex);
-                    return true;
+                    return "no adapter " + std::to_string(iAdapterIndex);
                 }
                 const auto displays = Displays(*adapters[static_cast<size_t>(iAdapterIndex)]);
                 if (iDisplayIndex < 0 || static_cast<size_t>(iDisplayIndex) >= displays.size()) {
-                    result = kInvalidParameter;
-                    refused =
-                        "no display " + std::to_string(iDisplayIndex) + " on adapter " + std::to_string(iAdapterIndex);
-                    return true;
+                    return "no display " + std::to_string(iDisplayIndex) + " on adapter " +
+                           std::to_string(iAdapterIndex);
                 }
                 bytes = DisplayEdid(*displays[static_cast<size_t>(iDisplayIndex)]);
-                return true;
+                return std::string();
             });
-            if (!refused.empty()) {
-                return record.Refuse(result, refused);
+            if (!answer.refused.empty()) {
+                return record.Refuse(answer.result, answer.refused);
             }
-            if (result != kOk) {
-                return record.Done(result);
+            if (answer.result != kOk) {
+                return record.Done(answer.result);
             }
             // One 128-byte block per call; a block past the EDID's end does not exist.
             const size_t block = static_cast<size_t>(edid.iBlockIndex) * 128;
@@ -562,49 +564,44 @@ int ADL2_Display_NativeAUXChannel_Access(Context handle, int iAdapterIndex, int 
                 .Int("dataSize", data.iDataSize)
                 .Text("data", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(data.cData), sizeof data.cData))
                 .Text("bytes", LumavenSim::BytesToHex(reinterpret_cast<const uint8_t*>(data.cData), count));
-            int result = kOk;
-            std::string refused;
-            LumavenSim::WithState([&](rapidjson::Document& state) {
-                if (TookFault(state, "ADL2_Display_NativeAUXChannel_Access", result)) {
-                    return true;
-                }
-                refused = CheckAux(data);
-                rapidjson::Value* adapter = FindAdapterByIndex(state, iAdapterIndex);
-                rapidjson::Value* display = adapter != nullptr ? FindDisplayByIndex(*adapter, iDisplayIndex) : nullptr;
-                if (refused.empty() && display == nullptr) {
-                    refused =
-                        "no display " + std::to_string(iDisplayIndex) + " on adapter " + std::to_string(iAdapterIndex);
-                }
-                if (!refused.empty()) {
-                    result = kInvalidParameter;
-                    return true;
-                }
-                rapidjson::Value& registers = RegisterFile(state, *display);
-                for (size_t i = 0; i < count; ++i) {
-                    const std::string name =
-                        RegisterName(static_cast<uint32_t>(data.iAddress) + static_cast<uint32_t>(i));
-                    auto& bytes = reinterpret_cast<uint8_t(&)[kMaxAuxData]>(data.cData);
-                    if (data.iCommand == kAuxCommandWrite) {
-                        registers.RemoveMember(name.c_str());
-                        registers.AddMember(rapidjson::Value(name.c_str(), state.GetAllocator()),
-                                            rapidjson::Value(bytes[i]), state.GetAllocator());
-                    } else {
-                        bytes[i] = registers.HasMember(name.c_str()) && registers[name.c_str()].IsUint()
-                                       ? static_cast<uint8_t>(registers[name.c_str()].GetUint())
-                                       : 0;
+            const StateAnswer answer =
+                LookAtState("ADL2_Display_NativeAUXChannel_Access", [&](rapidjson::Document& state) {
+                    if (std::string refused = CheckAux(data); !refused.empty()) {
+                        return refused;
                     }
-                }
-                data.iAuxStatus = kAuxStatusSuccessful;
-                return true;
-            });
-            if (!refused.empty()) {
-                return record.Refuse(result, refused);
+                    rapidjson::Value* adapter = FindAdapterByIndex(state, iAdapterIndex);
+                    rapidjson::Value* display =
+                        adapter != nullptr ? FindDisplayByIndex(*adapter, iDisplayIndex) : nullptr;
+                    if (display == nullptr) {
+                        return "no display " + std::to_string(iDisplayIndex) + " on adapter " +
+                               std::to_string(iAdapterIndex);
+                    }
+                    rapidjson::Value& registers = RegisterFile(state, *display);
+                    for (size_t i = 0; i < count; ++i) {
+                        const std::string name =
+                            RegisterName(static_cast<uint32_t>(data.iAddress) + static_cast<uint32_t>(i));
+                        auto& bytes = reinterpret_cast<uint8_t(&)[kMaxAuxData]>(data.cData);
+                        if (data.iCommand == kAuxCommandWrite) {
+                            registers.RemoveMember(name.c_str());
+                            registers.AddMember(rapidjson::Value(name.c_str(), state.GetAllocator()),
+                                                rapidjson::Value(bytes[i]), state.GetAllocator());
+                        } else {
+                            bytes[i] = registers.HasMember(name.c_str()) && registers[name.c_str()].IsUint()
+                                           ? static_cast<uint8_t>(registers[name.c_str()].GetUint())
+                                           : 0;
+                        }
+                    }
+                    data.iAuxStatus = kAuxStatusSuccessful;
+                    return std::string();
+                });
+            if (!answer.refused.empty()) {
+                return record.Refuse(answer.result, answer.refused);
             }
-            if (result == kOk) {
+            if (answer.result == kOk) {
                 std::memcpy(lpData, &data, sizeof data);
                 record.Int("auxStatusOut", data.iAuxStatus);
             }
-            return record.Done(result);
+            return record.Done(answer.result);
         });
 }
 

@@ -26,44 +26,43 @@ void SelectMaximizeBattery()
 uint32_t LumavenService::_SetOLEDPowerSaveON(Document* request, Document* response, uint64_t contextWord,
                                              uint64_t extra)
 {
-    return RunHandler(Handler::SetOLEDPowerSaveON, request, response, contextWord, [&] {
-        if (m_videoController == kVendorIntel) {
-            const std::lock_guard lock(m_mutex);
-            if (EnableOpst(request, response, contextWord) == StatusSuccess) {
-                EnableEd(request, response, contextWord);
-            }
-        } else if (m_videoController == kVendorAmd) {
-            const std::lock_guard lock(m_adlxMutex);
-            InitializeAdlxDisplay();
-            if (SetVaribrightEnabled(true)) {
-                SelectMaximizeBattery();
-            }
-            // This path reports no "result" of its own; SetAmdElp adds one.
-            ResetToBValue(*request, true);
-            SetAmdElp(request, response, contextWord, extra);
-        }
-        return StatusSuccess;
-    });
+    return RunHandler(Handler::SetOLEDPowerSaveON, request, response, contextWord,
+                      [&] { return SwitchPowerSaving(true, request, response, contextWord, extra); });
 }
 
 uint32_t LumavenService::_SetOLEDPowerSaveOFF(Document* request, Document* response, uint64_t contextWord,
                                               uint64_t extra)
 {
-    return RunHandler(Handler::SetOLEDPowerSaveOFF, request, response, contextWord, [&] {
-        if (m_videoController == kVendorIntel) {
-            const std::lock_guard lock(m_mutex);
-            if (DisableOpst(request, response, contextWord) == StatusSuccess) {
-                DisableEd(request, response, contextWord);
-            }
-        } else if (m_videoController == kVendorAmd) {
-            const std::lock_guard lock(m_adlxMutex);
-            InitializeAdlxDisplay();
-            AddBool(*response, L"result", SetVaribrightEnabled(false));
-            ResetToBValue(*request, false);
-            SetAmdElp(request, response, contextWord, extra);
+    return RunHandler(Handler::SetOLEDPowerSaveOFF, request, response, contextWord,
+                      [&] { return SwitchPowerSaving(false, request, response, contextWord, extra); });
+}
+
+uint32_t LumavenService::SwitchPowerSaving(bool on, Document* request, Document* response, uint64_t contextWord,
+                                           uint64_t extra)
+{
+    if (m_videoController == kVendorIntel) {
+        const std::lock_guard lock(m_mutex);
+        // The Ed switch follows only an OPST switch that succeeded.
+        if (on && EnableOpst(request, response, contextWord) == StatusSuccess) {
+            EnableEd(request, response, contextWord);
+        } else if (!on && DisableOpst(request, response, contextWord) == StatusSuccess) {
+            DisableEd(request, response, contextWord);
         }
-        return StatusSuccess;
-    });
+    } else if (m_videoController == kVendorAmd) {
+        const std::lock_guard lock(m_adlxMutex);
+        InitializeAdlxDisplay();
+        const bool variBrightSwitched = SetVaribrightEnabled(on);
+        if (!on) {
+            AddBool(*response, L"result", variBrightSwitched);
+        } else if (variBrightSwitched) {
+            // Switching on reports no "result" of its own (SetAmdElp adds one) and also selects
+            // the battery-first VariBright level.
+            SelectMaximizeBattery();
+        }
+        ResetToBValue(*request, on);
+        SetAmdElp(request, response, contextWord, extra);
+    }
+    return StatusSuccess;
 }
 
 }  // namespace Xelto::Spanlet::Server::Services::Lumaven

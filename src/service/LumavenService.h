@@ -60,6 +60,9 @@ public:
     uint32_t _GetIfVaribrightSupport(Document* request, Document* response, uint64_t contextWord);               // 13
     uint32_t _SetVaribright(Document* request, Document* response, uint64_t contextWord);                        // 14
 
+    // Commands 11 and 12 in one: power saving on or off through the vendor's finer handlers.
+    uint32_t SwitchPowerSaving(bool on, Document* request, Document* response, uint64_t contextWord, uint64_t extra);
+
     // The graphics vendor: kVendorIntel, kVendorAmd, or 0 when neither was found.
     static int32_t CheckVideoControllerType();
 

@@ -76,6 +76,19 @@ std::wstring Text(const char* text)
     return L"\"" + std::wstring(text, text + std::strlen(text)) + L"\"";
 }
 
+std::wstring Text(CountedText counted)
+{
+    if (counted.text == nullptr) {
+        return L"null";
+    }
+    std::wstring text = L"\"";
+    const UINT length = SysStringLen(const_cast<BSTR>(counted.text));
+    for (UINT i = 0; i < length; ++i) {
+        text += counted.text[i] != L'\0' ? std::wstring(1, counted.text[i]) : std::wstring(L"\\0");
+    }
+    return text + L"\"";
+}
+
 std::wstring Text(const GUID& guid)
 {
     wchar_t text[40] = {};

@@ -3,7 +3,7 @@
 // has the trace on. It shows how the service asks the system, where a working system answers
 // the same whatever the flags, counts or names were:
 //   L"RegSetValueExW(ptr, \"OLED\", 0, 4, ptr, 4)"
-// Texts are quoted, modules named by their file, GUIDs written in braces, numbers in decimal;
+// Texts are quoted (a BSTR by its length), modules named by their file, GUIDs written in braces, numbers in decimal;
 // any other pointer is "ptr" or "null" (a buffer to be filled is not read).
 #pragma once
 
@@ -30,6 +30,14 @@ std::wstring Text(const wchar_t* text);
 std::wstring Text(const char* text);
 std::wstring Text(const GUID& guid);
 std::wstring Text(HMODULE module);
+
+// A BSTR: the system reads it by its length prefix, not up to a terminator, so every character
+// the prefix counts is written, a NUL among them as \0 ("WQL\0" for a text that counts its own
+// terminator).
+struct CountedText {
+    const wchar_t* text;
+};
+std::wstring Text(CountedText counted);
 
 template <class T>
 std::wstring Text(const T& value)

@@ -545,8 +545,8 @@ HRESULT WINAPI HookedNext(IEnumWbemClassObject* self, long timeout, ULONG count,
 HRESULT WINAPI HookedExecQuery(IWbemServices* self, BSTR language, BSTR query, long flags, IWbemContext* context,
                                IEnumWbemClassObject** enumerator)
 {
-    CallTrace::Record(g_execQuery.Function(), static_cast<const wchar_t*>(language), static_cast<const wchar_t*>(query),
-                      flags, context, enumerator);
+    CallTrace::Record(g_execQuery.Function(), CallTrace::CountedText{language}, CallTrace::CountedText{query}, flags,
+                      context, enumerator);
     intptr_t failed = 0;
     if (g_execQuery.Fires(failed)) {
         *enumerator = nullptr;
@@ -563,10 +563,9 @@ HRESULT WINAPI HookedExecQuery(IWbemServices* self, BSTR language, BSTR query, l
 HRESULT WINAPI HookedConnectServer(IWbemLocator* self, BSTR wmiNamespace, BSTR user, BSTR password, BSTR locale,
                                    long securityFlags, BSTR authority, IWbemContext* context, IWbemServices** services)
 {
-    CallTrace::Record(g_connectServer.Function(), static_cast<const wchar_t*>(wmiNamespace),
-                      static_cast<const wchar_t*>(user), static_cast<const wchar_t*>(password),
-                      static_cast<const wchar_t*>(locale), securityFlags, static_cast<const wchar_t*>(authority),
-                      context, services);
+    CallTrace::Record(g_connectServer.Function(), CallTrace::CountedText{wmiNamespace}, CallTrace::CountedText{user},
+                      CallTrace::CountedText{password}, CallTrace::CountedText{locale}, securityFlags,
+                      CallTrace::CountedText{authority}, context, services);
     intptr_t failed = 0;
     if (g_connectServer.Fires(failed)) {
         *services = nullptr;

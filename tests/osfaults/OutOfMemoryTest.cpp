@@ -232,6 +232,9 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
         const size_t settled = LiveBlocks();
 
         bool ownCatchSeen = false;
+        // The event task's own guard: the fresh gate's mutex cannot be made.
+        const std::wstring kEventCatch = L"LumavenService - OledEventCalled threw: ";
+        bool eventGuardSeen = false;
         int points = 0;
         for (int nth = 1;; ++nth) {
             SCOPED_TRACE("allocation " + std::to_string(nth));
@@ -276,6 +279,7 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
                 EXPECT_TRUE(allowedCatches.count(line))
                     << "unexpected catch line: " << std::string(line.begin(), line.end());
                 ownCatchSeen = ownCatchSeen || line == ownCatch;
+                eventGuardSeen = eventGuardSeen || line.rfind(kEventCatch, 0) == 0;
             }
 
             // Memory again: the same entry point answers as before, on the same service.
@@ -299,6 +303,7 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
             ++points;
         }
         EXPECT_GT(points, 0) << "no allocation was failed";
+        EXPECT_EQ(eventGuardSeen, entry.kind == Entry::Event) << "the event task's own guard";
         if (entry.kind == Entry::Command) {
             EXPECT_EQ(ownCatchSeen, OwnGuardReachable(entry.command, m_amd))
                 << "the handler's own guard: " << std::string(ownCatch.begin(), ownCatch.end());

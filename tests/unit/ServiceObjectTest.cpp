@@ -65,6 +65,9 @@ TEST(ServiceObject, FactoryCreatesTheServiceOnASupportedPanel)
 TEST(ServiceObject, FactoryRefusesAnUnsupportedPlatformWithOneLine)
 {
     InstallProfile(MonitorsProfile({Panels::kDel40F5}));
+    // A host that logs through the same library under its own name: the service's lines carry
+    // the service's provider all the same.
+    LogManager::SetProvider("Xelto-Host");
     LogCapture capture;
     EXPECT_EQ(XeltoCreateService(), nullptr);
     const auto records = capture.Records();

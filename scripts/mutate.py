@@ -745,7 +745,9 @@ def main():
         return 0
 
     work = os.path.abspath(args.work)
-    plain = PlainEngine(work, args.lock)
+    # A worker after the first rebuilds its mutants in a tree of its own, under its own lock:
+    # one builds while the other runs its suites.
+    plain = PlainEngine(work if shard == 0 else os.path.join(work, "plain-%d" % shard), run_lock)
     fast = None
     if not args.plain or args.agreement:
         import mutate_schema

@@ -318,7 +318,7 @@ DECLARATION = re.compile(r"^\s*(?:inline\s+)?(?:constexpr\s+)?(?:const\s+)?(?!us
                          r"[A-Za-z_][\w:]*(?:<[\w:, ]*>)?\s+(?P<name>[A-Za-z_]\w*)\s*=\s*(?P<init>-?\s*\w+)\s*;\s*$")
 
 
-def constant_site(ident, mutant, masked, runtime_names):
+def constant_site(ident, mutant, masked, runtime_names, constant_members=False):
     """A literal outside a function that can still be switched at run time: the initializer of a
     named constant that every use reads at run time (its `constexpr` becomes `const`, so that it
     is initialized when the module loads), or a class member's default value (evaluated by each
@@ -331,9 +331,12 @@ def constant_site(ident, mutant, masked, runtime_names):
     name = m.group("name")
     if re.search(r"\b(?:constexpr|const)\b", masked) and name not in runtime_names:
         return None  # a constant, which a use may need at compile time
+    if constant_members:
+        return None  # a member of a class with a constexpr constructor: its defaults must stay constant
     return Site(ident, mutant, column, column + len(old), "expression", declared=name)
 
 
+CONSTEXPR_CONSTRUCTOR = re.compile(r"^\s*(?:explicit\s+)?constexpr\s+(?:explicit\s+)?([A-Za-z_]\w*)\s*\(")
 # Where a constant's value is needed at compile time: a use on such a line keeps it a constant.
 COMPILE_TIME = re.compile(r"\b(?:case|static_assert|constexpr|constinit|consteval|alignas|template|sizeof)\b")
 # The folders whose code reads the service's headers (the simulated drivers declare their own).
@@ -386,11 +389,12 @@ def runtime_constants(root, mask):
                      if name in used and name not in compile_time and len(places) == 1)
 
 
-def site_of(ident, mutant, line, masked, previous, columns, runtime_names=frozenset()):
+def site_of(ident, mutant, line, masked, previous, columns, runtime_names=frozenset(), constant_members=False):
     """The switched form of one mutant, or None when it cannot be switched at run time."""
     path, number, column, old, new, kind = mutant
     if not in_code(columns, column):
-        return constant_site(ident, mutant, masked, runtime_names) if kind in ("constant", "boolean") else None
+        return constant_site(ident, mutant, masked, runtime_names, constant_members) \
+            if kind in ("constant", "boolean") else None
     if re.search(r"\bconstexpr\b|\bstatic_assert\b|\btemplate\b", masked) and "if constexpr" not in masked:
         return None
     if kind in ("comparison", "logical", "arithmetic", "bitwise", "shift"):
@@ -507,6 +511,9 @@ def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None, runtime_na
     (runtime_constants); names, when given, gets {id: name} of each switched constant."""
     masked_lines = [mask(line) for line in lines]
     columns = code_columns(masked_lines)
+    # A file that declares a constexpr constructor has objects made at compile time (constinit
+    # globals), whose members' default values must stay constants.
+    constant_members = any(CONSTEXPR_CONSTRUCTOR.match(line) for line in masked_lines)
     by_line = {}
     for ident, mutant in mutants_with_ids:
         if ident in excluded:
@@ -518,7 +525,7 @@ def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None, runtime_na
                 previous = masked_lines[back]
                 break
         site = site_of(ident, mutant, lines[number - 1], masked_lines[number - 1], previous, columns[number - 1],
-                       runtime_names)
+                       runtime_names, constant_members)
         if site is not None:
             by_line.setdefault(number, []).append(site)
     switched = set()
@@ -682,7 +689,12 @@ class FastEngine:
         keys = set(self.keys[self.by_id[i]] for i in self.switched
                    if (self.by_id[i][0], self.by_id[i][1]) in named or i in precise)
         if not keys:
-            # Nothing switched on the lines named: every switch of the files with errors goes.
+            # Nothing switched on the lines named. A constant or member default switched in one of
+            # the files named is the likely cause (a use the scan did not see); failing that,
+            # every switch of the files with errors goes.
+            mentioned = files | set(rel for rel, _ in named)
+            keys = set(self.keys[self.by_id[i]] for i in self.switched if i in self.names and self.by_id[i][0] in mentioned)
+        if not keys:
             keys = set(self.keys[self.by_id[i]] for i in self.switched if self.by_id[i][0] in files)
         return keys
 

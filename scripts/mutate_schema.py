@@ -814,11 +814,16 @@ class FastEngine:
             lock.__enter__()  # one hold per suite: a test alone is too short to queue for
             for name in self.list_tests(suite):
                 trace = os.path.join(trace_root, suite, re.sub(r"[^\w.-]", "_", name))
-                shutil.rmtree(trace, ignore_errors=True)
-                os.makedirs(trace)
-                began = time.time()
-                passed, failed = self.gtest(suite, [name], self.environment(trace=trace), 300)
-                seconds = time.time() - began
+                # A test that passes in its suite may still lose its process now and then under
+                # Wine on a busy machine: it gets two more tries before the map gives up.
+                for _ in range(3):
+                    shutil.rmtree(trace, ignore_errors=True)
+                    os.makedirs(trace)
+                    began = time.time()
+                    passed, failed = self.gtest(suite, [name], self.environment(trace=trace), 300)
+                    seconds = time.time() - began
+                    if passed:
+                        break
                 if not passed:
                     lock.__exit__()
                     raise SystemExit("%s %s fails alone in the switched copy (%s)" % (suite, name, failed))

@@ -698,13 +698,18 @@ def main():
                         help="judge every Nth chosen mutant from the Kth (K from 0): N runs with K = 0..N-1 share "
                              "the work, each in a Wine prefix of its own and under LOCK.K (K > 0), e.g. two on a "
                              "2-core machine; start the others once the first has built")
-    parser.add_argument("--summary", action="store_true", help="only print the figures of the results table")
+    parser.add_argument("--summary", action="store_true",
+                        help="only print the figures of the results table (after applying the equivalence list to its survivors)")
     parser.add_argument("--self-test", action="store_true", help="check the generator on a small sample")
     args = parser.parse_args()
     if args.self_test:
         return self_test()
     if args.summary:
-        return summarize(Results(args.results or os.path.join(ROOT, "docs", "mutation", "results.csv")))
+        results = Results(args.results or os.path.join(ROOT, "docs", "mutation", "results.csv"))
+        listing = all_mutants()
+        lines_of = SourceLines()
+        apply_equivalents(results, listing, dict(zip(listing, keys_of(listing, lines_of))), lines_of)
+        return summarize(results)
 
     lines_of = SourceLines()
     listing = all_mutants(args.files)
@@ -818,7 +823,7 @@ def main():
         print("agreement: %d of %d verdicts identical; written to %s" % (same, len(agreement), args.agreement))
         return 0 if same == len(agreement) else 1
     if args.results:
-        results.rewrite([keys[m] for m in listing])
+        apply_equivalents(results, listing, keys, lines_of)
     print_figures(tally, len(pending), survivors)
     print("time: %.0f s for %d mutants" % (time.time() - started_all, len(pending)))
     return 0
@@ -876,6 +881,20 @@ def print_figures(tally, count, survivors):
            100.0 * killed / judged if judged else 100.0))
     for survivor in survivors:
         print("  survivor: %s" % survivor)
+
+
+def apply_equivalents(results, listing, keys, lines_of):
+    """Rewrites the table, with the rows other runs appended meanwhile; a survivor argued
+    equivalent after it was judged takes that verdict and its reason."""
+    for key, row in Results(results.path).rows.items():
+        results.rows.setdefault(key, row)
+    equivalents = load_equivalents()
+    for mutant in listing:
+        row = results.rows.get(keys[mutant])
+        reason = equivalents.get(equivalence_key(mutant, lines_of(mutant[0])))
+        if row is not None and row["verdict"] == "survived" and reason:
+            row.update(verdict="equivalent", reason=reason)
+    results.rewrite([keys[m] for m in listing])
 
 
 def summarize(results):

@@ -1981,6 +1981,10 @@ std::vector<FaultRow> CountRows()
          .faults = {{"ctlEnumerateDisplayOutputs#count", 3, 1}}, .before = Oled::Zero, .action = Cmd(5), .status = kOk,
          .response = kTrue, .logs = {}, .after = Oled::One, .trace = kEdOnDone, .panel = kPanelOn,
          .loaded = kCtlUnloaded},
+        // The most outputs an adapter may report, 256, is still a count like any other.
+        {.machine = kIntelOff, .faults = {{"ctlEnumerateDisplayOutputs#count", kIntelTooMany - 1, 1}},
+         .before = Oled::Zero, .action = Cmd(5), .status = kOk, .response = kTrue, .logs = {}, .after = Oled::One,
+         .trace = kEdOnDone, .panel = kPanelOn, .loaded = kCtlUnloaded},
 
         // ---- No adapter at all: not a failure of the library, so every command answers 0 with
         // a false "result" (command 10 then asks the panel table), and records as for any false.

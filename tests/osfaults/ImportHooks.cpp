@@ -6,6 +6,8 @@
 #include <setupapi.h>
 #include <wbemcli.h>
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
@@ -13,6 +15,7 @@
 #include <cwchar>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <type_traits>
 
 namespace LumavenOsFaults {
@@ -170,6 +173,39 @@ void Untracked(void* block)
     heap.live.erase(block);
 }
 
+// Every block the DLL takes from the C heap gets kGuardBytes more, filled with kGuardByte; a
+// block given back (freed or reallocated) with them changed was written past its end, which
+// fails the test that was running. Without this a write one character too far mostly lands in
+// the heap's rounding and shows nowhere.
+constexpr size_t kGuardBytes = 16;
+constexpr unsigned char kGuardByte = 0xFD;
+
+void* Guarded(void* block, size_t size)
+{
+    if (block != nullptr) {
+        std::memset(static_cast<unsigned char*>(block) + size, kGuardByte, kGuardBytes);
+    }
+    return Tracked(block, size);
+}
+
+void CheckGuard(void* block)
+{
+    std::optional<size_t> size;
+    Locked(DllHeap(), [block, &size](const Heap& heap) {
+        const auto found = heap.live.find(block);
+        if (found != heap.live.end()) {
+            size = found->second.second;
+        }
+    });
+    if (!size) {
+        return;  // made before the hooks, or not from the C heap
+    }
+    const auto* const guard = static_cast<const unsigned char*>(block) + *size;
+    if (std::any_of(guard, guard + kGuardBytes, [](unsigned char byte) { return byte != kGuardByte; })) {
+        ADD_FAILURE() << "LumavenService.dll wrote past the end of a block of " << *size << " bytes";
+    }
+}
+
 template <class Hooked>
 bool AllocationFails(size_t size)
 {
@@ -199,7 +235,7 @@ void* HookedMalloc(size_t size)
         errno = ENOMEM;
         return nullptr;
     }
-    return Tracked(Original<Malloc>()(size), size);
+    return Guarded(Original<Malloc>()(size + kGuardBytes), size);
 }
 
 void* HookedCalloc(size_t count, size_t size)
@@ -208,7 +244,7 @@ void* HookedCalloc(size_t count, size_t size)
         errno = ENOMEM;
         return nullptr;
     }
-    return Tracked(Original<Calloc>()(count, size), count * size);
+    return Guarded(Original<Calloc>()(count * size + kGuardBytes, 1), count * size);
 }
 
 // A failed realloc leaves the block where it was, with its owner.
@@ -218,11 +254,16 @@ void* HookedRealloc(void* block, size_t size)
         errno = ENOMEM;
         return nullptr;
     }
-    void* const moved = Original<Realloc>()(block, size);
-    if (moved != nullptr || size == 0) {
+    CheckGuard(block);
+    if (size == 0) {
+        Untracked(block);
+        return Original<Realloc>()(block, 0);  // frees the block
+    }
+    void* const moved = Original<Realloc>()(block, size + kGuardBytes);
+    if (moved != nullptr) {
         Untracked(block);
     }
-    return Tracked(moved, size);
+    return Guarded(moved, size);
 }
 
 char* HookedStrdup(const char* text)
@@ -231,13 +272,19 @@ char* HookedStrdup(const char* text)
         errno = ENOMEM;
         return nullptr;
     }
-    return static_cast<char*>(Tracked(Original<Strdup>()(text), std::strlen(text) + 1));
+    const size_t size = std::strlen(text) + 1;
+    void* const copy = Original<Malloc>()(size + kGuardBytes);
+    if (copy != nullptr) {
+        std::memcpy(copy, text, size);
+    }
+    return static_cast<char*>(Guarded(copy, size));
 }
 
 void HookedFree(void* block)
 {
     intptr_t ignored = 0;
     Free::hook.Fires(ignored);
+    CheckGuard(block);
     Untracked(block);
     Original<Free>()(block);
 }

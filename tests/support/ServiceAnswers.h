@@ -14,8 +14,12 @@
 namespace LumavenTest::Answers {
 
 inline constexpr uint32_t kOk = 0;
+inline constexpr uint32_t kUnsupportedCommand = 0x20000001;
+inline constexpr uint32_t kInvalidArgument = 0x20000002;
+inline constexpr uint32_t kInvalidRequest = 0x20000003;
 inline constexpr uint32_t kRegistryError = 0x20000004;
 inline constexpr uint32_t kDeviceError = 0x20000005;
+inline constexpr uint32_t kException = 0x20000006;
 
 inline constexpr wchar_t kEmpty[] = L"{}";
 inline constexpr wchar_t kTrue[] = L"{\"result\":true}";

@@ -2,6 +2,7 @@
 // response text and its cap.
 #include "LogCapture.h"
 #include "XeltoClient.h"
+#include "ServiceAnswers.h"
 #include "SimMachine.h"
 
 #include "service/LumavenService.h"
@@ -22,6 +23,7 @@
 using namespace Xelto::Spanlet::Server::Services;
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
 using LumavenTest::LogCapture;
+namespace Answers = LumavenTest::Answers;
 using XeltoClient::RunCommand;
 
 namespace {
@@ -41,7 +43,7 @@ TEST(ExecuteCommand, NullContextIsInvalidAndSilent)
     LumavenService service;
     LogCapture capture;
     wchar_t* out = kUntouched;
-    EXPECT_EQ(service.ExecuteCommand(nullptr, 4, L"{}", &out, nullptr, 0), StatusInvalidArgument);
+    EXPECT_EQ(service.ExecuteCommand(nullptr, 4, L"{}", &out, nullptr, 0), Answers::kInvalidArgument);
     EXPECT_EQ(out, kUntouched);
     EXPECT_TRUE(capture.Texts().empty());
 }
@@ -52,7 +54,7 @@ TEST(ExecuteCommand, NullMessageWarnsOnceAndLeavesOutStringAlone)
     LogCapture capture;
     CallContext context{0xC0FFEE};
     wchar_t* out = kUntouched;
-    EXPECT_EQ(service.ExecuteCommand(&context, 4, nullptr, &out, nullptr, 0), StatusInvalidArgument);
+    EXPECT_EQ(service.ExecuteCommand(&context, 4, nullptr, &out, nullptr, 0), Answers::kInvalidArgument);
     EXPECT_EQ(out, kUntouched);
     const auto records = capture.Records();
     ASSERT_EQ(records.size(), 1u);
@@ -66,7 +68,7 @@ TEST(ExecuteCommand, NullOutStringWarnsOnce)
     LumavenService service;
     LogCapture capture;
     CallContext context{7};
-    EXPECT_EQ(service.ExecuteCommand(&context, 4, L"{}", nullptr, nullptr, 0), StatusInvalidArgument);
+    EXPECT_EQ(service.ExecuteCommand(&context, 4, L"{}", nullptr, nullptr, 0), Answers::kInvalidArgument);
     EXPECT_EQ(capture.Texts(), std::vector<std::wstring>{NullWarning(L"outString")});
 }
 
@@ -75,7 +77,7 @@ TEST(ExecuteCommand, BothNullGiveTwoWarningsInOrder)
     LumavenService service;
     LogCapture capture;
     CallContext context{7};
-    EXPECT_EQ(service.ExecuteCommand(&context, 4, nullptr, nullptr, nullptr, 0), StatusInvalidArgument);
+    EXPECT_EQ(service.ExecuteCommand(&context, 4, nullptr, nullptr, nullptr, 0), Answers::kInvalidArgument);
     EXPECT_EQ(capture.Texts(), (std::vector<std::wstring>{NullWarning(L"message"), NullWarning(L"outString")}));
 }
 
@@ -85,7 +87,7 @@ TEST(ExecuteCommand, CommandsOutsideOneToFourteenAreUnsupportedWithAnEmptyRespon
     for (const uint32_t command : {0u, 15u, 0xFFFFFFFFu}) {
         LogCapture capture;
         const auto result = RunCommand(service, command, L"{\"BValue\":true}", 99);
-        EXPECT_EQ(result.status, StatusUnsupportedCommand) << command;
+        EXPECT_EQ(result.status, Answers::kUnsupportedCommand) << command;
         EXPECT_TRUE(result.hasResponse);
         EXPECT_EQ(result.response, L"{}");
         const auto records = capture.Records();
@@ -107,7 +109,7 @@ TEST(ExecuteCommand, MalformedRequestsGiveInvalidRequestAndNoText)
         LogCapture capture;
         CallContext context{1};
         wchar_t* out = kUntouched;
-        EXPECT_EQ(service.ExecuteCommand(&context, 4, request, &out, nullptr, 0), StatusInvalidRequest) << request;
+        EXPECT_EQ(service.ExecuteCommand(&context, 4, request, &out, nullptr, 0), Answers::kInvalidRequest) << request;
         EXPECT_EQ(out, nullptr) << request;
         EXPECT_TRUE(capture.Texts().empty()) << request;
     }
@@ -128,16 +130,16 @@ TEST(ExecuteCommand, DeeplyNestedRequestsParseWithoutExhaustingTheStack)
 {
     LumavenService service;
     const std::wstring deep = std::wstring(200000, L'[') + std::wstring(200000, L']');
-    EXPECT_EQ(RunCommand(service, 15, deep.c_str()).status, StatusUnsupportedCommand);
+    EXPECT_EQ(RunCommand(service, 15, deep.c_str()).status, Answers::kUnsupportedCommand);
     const std::wstring unbalanced = std::wstring(200000, L'[');
-    EXPECT_EQ(RunCommand(service, 15, unbalanced.c_str()).status, StatusInvalidRequest);
+    EXPECT_EQ(RunCommand(service, 15, unbalanced.c_str()).status, Answers::kInvalidRequest);
 }
 
 TEST(ExecuteCommand, CommandNineWithoutElpSetterIsInvalidWithAnEmptyResponse)
 {
     LumavenService service;
     const auto result = RunCommand(service, 9, L"{\"BValue\":true}");
-    EXPECT_EQ(result.status, StatusInvalidArgument);
+    EXPECT_EQ(result.status, Answers::kInvalidArgument);
     EXPECT_EQ(result.response, L"{}");
 }
 
@@ -239,6 +241,6 @@ TEST(ResponseText, TheCopyIsAllocatedForTheTextAndItsTerminator)
 TEST(ResponseText, LongerResponsesAreRefusedWithANullText)
 {
     wchar_t* out = kUntouched;
-    EXPECT_EQ(CopyResponseOfLength(65536, out), StatusInvalidArgument);
+    EXPECT_EQ(CopyResponseOfLength(65536, out), Answers::kInvalidArgument);
     EXPECT_EQ(out, nullptr);
 }

@@ -77,7 +77,7 @@ bool SetPanelAuxState(ctl_display_output_handle_t display, ctl_result_t& status,
     const std::vector<AuxWrite>& writes = found->second;
     if (!WriteAuxData(status, display, writes)) {
         Log().LogError("Write Aux data failed: %x", StatusWordAddress(status));
-        return false;
+        return false;  // never read: the write failed with a status, and the display loop then skips the answer
     }
     const bool verified = VerifyAuxData(status, display, writes);
     if (!verified) {

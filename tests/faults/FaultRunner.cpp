@@ -534,9 +534,18 @@ void CheckLogs(const FaultRow& row, const std::vector<LumavenTest::LogRecord>& r
         mismatches.push_back(text);
         return;
     }
+    // The command ran on this thread, and the status word is a local of its session: the address
+    // lies on this thread's stack.
+    ULONG_PTR stackLow = 0;
+    ULONG_PTR stackHigh = 0;
+    GetCurrentThreadStackLimits(&stackLow, &stackHigh);
     for (const uint64_t address : addresses) {
         if (address != addresses.front()) {
             mismatches.push_back("the status word's address differs between lines");
+        }
+        if (address < stackLow || address >= stackHigh) {
+            mismatches.push_back(
+                "the status word's address does not lie on the stack of the thread that ran the command");
         }
         for (const Fault& fault : row.faults) {
             if (address == static_cast<uint64_t>(fault.code)) {

@@ -1960,6 +1960,16 @@ std::vector<FaultRow> CountRows()
          .faults = {{"ADL2_Display_DisplayInfo_Get#count", kAdlDisplaysTooMany, 1}}, .before = Oled::Zero,
          .action = kOn9, .status = kOk, .response = kFalse, .logs = kAdlCounted, .after = Oled::Zero,
          .trace = "Create Count Adapters Disp Destroy", .panel = kAmdUntouchedOff, .loaded = kAdlUnloaded},
+        // The most displays an adapter may report, 256, is still a list like any other: the first,
+        // the panel, is written; the others are neither connected nor mapped.
+        {.machine = kAmdM, .faults = {{"ADL2_Display_DisplayInfo_Get#count", kAdlDisplaysTooMany - 1, 1}},
+         .before = Oled::Zero, .action = kOn9, .status = kOk, .response = kTrue,
+         .logs = {L"I:nAdapter count=1", L"I:display count=256", L"I:Write AUX data"}, .after = Oled::One,
+         .trace = kAdlOn, .panel = kAmdOn, .loaded = kAdlUnloaded},
+        // Likewise 256 adapters on the Intel side, the most the service takes.
+        {.machine = kIntelOff, .faults = {{"ctlEnumerateDevices#count", kIntelTooMany - 1, 1}}, .before = Oled::Zero,
+         .action = Cmd(5), .status = kOk, .response = kTrue, .logs = {}, .after = Oled::One, .trace = kEdOnDone,
+         .panel = kPanelOn, .loaded = kCtlUnloaded},
 
         // ---- The fill call finds another number than the count call said.
         {.point = "cmd5|ctlEnumerateDevices#list|more", .machine = kIntelOff,

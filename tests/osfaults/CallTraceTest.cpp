@@ -137,6 +137,19 @@ TEST(CallTrace, AReadOfAMissingKeyCreatesItWithTheDocumentedArguments)
                   L"RegQueryValueExW(ptr, \"OLED\", null, ptr, ptr, ptr)", L"RegCloseKey(ptr)"}));
 }
 
+// The factory reads each monitor's EDID from the device's own hardware key: the global
+// configuration (DICS_FLAG_GLOBAL 1) of the current hardware profile (0), the device key
+// (DIREG_DEV 1), for reading only (KEY_READ 0x20019).
+TEST(CallTrace, EachMonitorKeyIsOpenedWithTheDocumentedArguments)
+{
+    const std::vector<std::wstring> opened =
+        Only(TraceOf("intel-laptop", Entry::Factory, 0, L"{}"), {L"SetupDiOpenDevRegKey"});
+    ASSERT_FALSE(opened.empty());
+    for (const std::wstring& call : opened) {
+        EXPECT_EQ(call, L"SetupDiOpenDevRegKey(ptr, ptr, 1, 0, 1, 131097)");
+    }
+}
+
 // The panel gets half a second after the display comes back on before it is written, once.
 TEST(CallTrace, TheDisplayOnRewriteWaitsHalfASecondOnce)
 {

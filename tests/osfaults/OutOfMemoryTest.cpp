@@ -232,9 +232,12 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
         const size_t settled = LiveBlocks();
 
         bool ownCatchSeen = false;
-        // The event task's own guard: the fresh gate's mutex cannot be made.
+        // The event task's own guard (the fresh gate's mutex cannot be made) and, on Intel, the
+        // re-write's own (the session's device and display lists cannot be made).
         const std::wstring kEventCatch = L"LumavenService - OledEventCalled threw: ";
+        const std::wstring kRewriteCatch = L"LumavenService - EnableEd threw: ";
         bool eventGuardSeen = false;
+        bool rewriteGuardSeen = false;
         int points = 0;
         for (int nth = 1;; ++nth) {
             SCOPED_TRACE("allocation " + std::to_string(nth));
@@ -280,6 +283,8 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
                     << "unexpected catch line: " << std::string(line.begin(), line.end());
                 ownCatchSeen = ownCatchSeen || line == ownCatch;
                 eventGuardSeen = eventGuardSeen || line.rfind(kEventCatch, 0) == 0;
+                rewriteGuardSeen =
+                    rewriteGuardSeen || (entry.kind == Entry::Event && line.rfind(kRewriteCatch, 0) == 0);
             }
 
             // Memory again: the same entry point answers as before, on the same service.
@@ -304,6 +309,7 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
         }
         EXPECT_GT(points, 0) << "no allocation was failed";
         EXPECT_EQ(eventGuardSeen, entry.kind == Entry::Event) << "the event task's own guard";
+        EXPECT_EQ(rewriteGuardSeen, entry.kind == Entry::Event && !m_amd) << "the Intel re-write's own guard";
         if (entry.kind == Entry::Command) {
             EXPECT_EQ(ownCatchSeen, OwnGuardReachable(entry.command, m_amd))
                 << "the handler's own guard: " << std::string(ownCatch.begin(), ownCatch.end());

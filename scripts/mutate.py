@@ -305,9 +305,12 @@ def load_equivalents():
             for raw in f:
                 if not raw.strip() or raw.startswith("#"):
                     continue
-                fields = [field.strip() for field in raw.rstrip("\n").split(" | ")]
+                # The reason, last, may itself hold " | " (an expression with a bitwise or).
+                fields = [field.strip() for field in raw.rstrip("\n").split(" | ", 3)]
                 if len(fields) == 4:
                     known[(fields[0], fields[1], fields[2])] = fields[3]
+                else:
+                    print("mutate-equivalent.txt: not 'file | line text | old -> new | why': %s" % raw.strip())
     return known
 
 

@@ -346,6 +346,12 @@ TEST_F(IntelFeature, EnableAndDisableOpstSwitchThePanelAndRecordIt)
     EXPECT_EQ(Run(3).response, L"{\"result\":true}");
     EXPECT_FALSE(Intel::OpstEnabled(0, 0));
     EXPECT_EQ(LumavenTest::OledDword(), 0u);
+    // Both switches are set for the battery (CTL_POWER_SOURCE_DC, 1).
+    const auto sets = Calls("ctlSetPowerOptimizationSetting");
+    ASSERT_EQ(sets.size(), 2u);
+    for (const auto& set : sets) {
+        EXPECT_EQ(set["powerSource"].GetUint(), 1u);
+    }
 }
 
 TEST_F(IntelFeature, EnableOpstWithoutSupportAnswersFalseAndLeavesTheSetting)

@@ -369,6 +369,12 @@ class SourceLines:
 TIMED_OUT = 124  # run's answer when the command outlived its time limit
 
 
+def stop_wine(prefix):
+    """Ends every Wine process of the prefix (a test program that outlived its time limit)."""
+    subprocess.run(["wineserver", "-k"], env=dict(os.environ, WINEPREFIX=prefix), stdout=subprocess.DEVNULL,
+                   stderr=subprocess.DEVNULL)
+
+
 def run(command, cwd, log, timeout=None, env=None):
     with open(log, "a") as out:
         out.write("\n$ %s\n" % " ".join(command))
@@ -572,8 +578,7 @@ class PlainEngine:
                         str(SUITE_TIMEOUT[suite]), "--output-on-failure"], self.tree, self.log, env=FAIL_FAST,
                        timeout=SUITE_TIMEOUT[suite] + 30)
             if code == TIMED_OUT:
-                subprocess.run(["wineserver", "-k"], env=dict(os.environ, WINEPREFIX=os.path.join(self.build, "wineprefix")),
-                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                stop_wine(os.path.join(self.build, "wineprefix"))
                 return "killed", suite, "(time limit of %d s)" % SUITE_TIMEOUT[suite], "rebuild"
             if code != 0:
                 return "killed", suite, failing_test(report), "rebuild"

@@ -13,6 +13,7 @@ reaches (one file per process and module), which gives the per-test map of what 
 These copies live only in the mutation build's private tree (build/mutate-fast/); the service's
 own sources never carry a switch.
 """
+import functools
 import hashlib
 import json
 import os
@@ -312,6 +313,8 @@ class Site:
         self.children = []
 
 
+# `constexpr` or `const` on a declaration's line: a constant, which a use may need at compile time.
+CONSTANT = re.compile(r"\b(?:constexpr|const)\b")
 # A variable outside any function initialized by one literal: `[inline] [constexpr] TYPE NAME = LITERAL;`
 # (a named constant at namespace scope, or a member's default value in a class).
 DECLARATION = re.compile(r"^\s*(?:inline\s+)?(?:constexpr\s+)?(?:const\s+)?(?!using\b|return\b|static\b|extern\b|enum\b)"
@@ -329,7 +332,7 @@ def constant_site(ident, mutant, masked, runtime_names, constant_members=False):
     if not m or not m.start("init") <= column < m.end("init"):
         return None
     name = m.group("name")
-    if re.search(r"\b(?:constexpr|const)\b", masked) and name not in runtime_names:
+    if CONSTANT.search(masked) and name not in runtime_names:
         return None  # a constant, which a use may need at compile time
     if constant_members:
         return None  # a member of a class with a constexpr constructor: its defaults must stay constant
@@ -370,13 +373,15 @@ COMPILE_TIME = re.compile(r"\b(?:case|static_assert|constexpr|constinit|consteva
 READERS = ("src", "tests", "bench", "host")
 
 
+@functools.lru_cache(maxsize=None)
 def runtime_constants(root, mask):
     """The names of the constants declared in src/ (`[inline] constexpr` or `const`, initialized by
     one literal) that the service's code reads and that every use, in the service and in the code
-    that includes its headers, reads at run time: inside a function, on a line that is no case label, array bound, template
-    argument or constant expression of its own. A use the scan does not see as such (a
-    constant expression running over several lines) makes the compiler refuse the switch, and
-    the refusal names the constant (FastEngine.refusals)."""
+    that includes its headers, reads at run time: inside a function, on a line that is no case
+    label, array bound, template argument or constant expression of its own. A use the scan does
+    not see as such (a constant expression running over several lines) makes the compiler refuse
+    the switch, and the refusal names the constant (FastEngine.refusals). The tree is read once
+    per run: every build attempt asks again."""
     texts = {}
     for folder in READERS:
         for base, _, files in os.walk(os.path.join(root, folder)):
@@ -392,7 +397,7 @@ def runtime_constants(root, mask):
         for number, line in enumerate(lines, 1):
             masked = mask(line)
             m = DECLARATION.match(masked)
-            if m and re.search(r"\b(?:constexpr|const)\b", masked) and not re.search(r"\bstatic\b", masked):
+            if m and CONSTANT.search(masked) and not re.search(r"\bstatic\b", masked):
                 declared.setdefault(m.group("name"), set()).add((path, number))
     if not declared:
         return frozenset()
@@ -565,12 +570,10 @@ def schema_of(lines, mutants_with_ids, mask, excluded=(), spans=None, runtime_na
         rendered = render(line, roots, 0, len(line))
         if any(site.declared for site in sites):
             rendered = re.sub(r"\bconstexpr\b", "const", rendered, count=1)
-        if names is not None:
-            for site in sites:
-                if site.declared and site.ident in kept:
-                    names[site.ident] = site.declared
         if bracket_balance(mask(rendered)) != bracket_balance(masked_lines[number - 1]):
             continue  # a switch that would break the line's brackets: its mutants are rebuilt instead
+        if names is not None:
+            names.update((site.ident, site.declared) for site in sites if site.declared and site.ident in kept)
         out[number - 1] = rendered
         switched |= kept
         if spans is not None:
@@ -685,12 +688,23 @@ class FastEngine:
         files = set()
         precise = set()
         message = re.compile(r"(?m)(\S+?\.(?:cpp|h)):(\d+):(?:(\d+):)? (error|note|required from|warning)(.*)$")
+        constants = {i: re.compile(r"\b%s\b" % re.escape(name)) for i, name in self.names.items() if i in self.switched}
+        texts = {}
         for m in message.finditer(output):
             path = os.path.normpath(m.group(1) if os.path.isabs(m.group(1)) else os.path.join(self.build, m.group(1)))
+            number = int(m.group(2))
+            # A switched constant is refused wherever a message names a line that uses it, in any
+            # file of the tree (a test's static_assert, another constant's initializer).
+            if constants and path.startswith(self.tree + os.sep) and os.path.exists(path):
+                if path not in texts:
+                    with open(path, encoding="utf-8", errors="replace") as f:
+                        texts[path] = f.read().split("\n")
+                lines = texts[path]
+                text = self.base.mask(lines[number - 1]) if 0 < number <= len(lines) else ""
+                precise |= set(i for i, used in constants.items() if used.search(text))
             if not path.startswith(src):
                 continue
             rel = os.path.relpath(path, self.tree)
-            number = int(m.group(2))
             if m.group(4) == "error":
                 files.add(rel)
             # An error inside one switch (a type that differs, a default no type has) refuses that
@@ -702,18 +716,6 @@ class FastEngine:
                 precise.add(min(inside)[1])
             else:
                 named.add((rel, number))
-        # A switched constant is refused wherever a message names a line that uses it, in any
-        # file of the tree (a test's static_assert, another constant's initializer).
-        for m in message.finditer(output):
-            path = os.path.normpath(m.group(1) if os.path.isabs(m.group(1)) else os.path.join(self.build, m.group(1)))
-            if not path.startswith(self.tree + os.sep) or not os.path.exists(path):
-                continue
-            with open(path, encoding="utf-8", errors="replace") as f:
-                lines = f.read().split("\n")
-            number = int(m.group(2))
-            text = self.base.mask(lines[number - 1]) if 0 < number <= len(lines) else ""
-            precise |= set(i for i, name in self.names.items()
-                           if i in self.switched and re.search(r"\b%s\b" % re.escape(name), text))
         keys = set(self.keys[self.by_id[i]] for i in self.switched
                    if (self.by_id[i][0], self.by_id[i][1]) in named or i in precise)
         if not keys:
@@ -776,8 +778,7 @@ class FastEngine:
         return True, ""
 
     def stop_wine(self):
-        subprocess.run(["wineserver", "-k"], env=self.environment(), stdout=subprocess.DEVNULL,
-                       stderr=subprocess.DEVNULL)
+        self.base.stop_wine(self.prefix)
 
     def list_tests(self, suite):
         out = subprocess.run([os.path.join(self.tree, "cmake", "wine-run.sh"), suite + ".exe", "--gtest_list_tests"],

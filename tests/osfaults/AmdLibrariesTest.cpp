@@ -4,11 +4,13 @@
 //   for. Each one missing in turn (its lookup answers "procedure not found"), command 10 on the
 //   AMD laptop must answer false without calling into the library at all.
 // - ADL's adapter list needs a buffer the service allocates; when it cannot be had, no adapter
-//   is asked about and the binding is still released.
+//   is asked about and the binding is still released. When ADL fails to fill it, the service's
+//   own clearing is what the records hold: the DLL's blocks come with bytes that are not zero.
 #include "EntryRun.h"
 #include "ImportHooks.h"
 #include "SimMachine.h"
 #include "SimState.h"
+#include "TransactionLog.h"
 
 #include <gtest/gtest.h>
 
@@ -23,6 +25,7 @@ namespace {
 using namespace LumavenOsFaults;
 
 constexpr int kAdlxEntryPoints = 6;
+constexpr int kAdlError = -1;  // ADL_ERR
 
 // The calls the simulated library of this file name logged, in order.
 std::vector<std::string> CallsInto(const char* library)
@@ -82,6 +85,26 @@ TEST(AdlBinding, AnAdapterBufferThatCannotBeHadAsksNoAdapter)
     EXPECT_EQ(CallsInto("atiadlxx.dll"),
               (std::vector<std::string>{"ADL2_Main_Control_Create", "ADL2_Adapter_NumberOfAdapters_Get",
                                         "ADL2_Main_Control_Destroy"}));
+}
+
+// ADL answers the adapter list with an error and writes nothing: each record reads as the
+// service cleared it, adapter index 0, and that adapter is asked for its displays and written.
+TEST(AdlBinding, AnAdapterListADLFailedToFillReadsAsAdapterZero)
+{
+    LumavenSim::Profile::Machine machine = LumavenSim::Profile::AmdLaptop(LumavenSim::Panels::kSdc416C);
+    machine.faults = {{.function = "ADL2_Adapter_AdapterInfo_Get", .code = kAdlError}};
+    LumavenTest::InstallProfile(machine);
+    LoadedDll dll;
+    ASSERT_TRUE(dll.Loaded());
+    std::unique_ptr<LumavenTest::HostedService> hosted = Prepared(Entry::Command);
+    LumavenSim::ClearTransactions();
+    const Outcome outcome = RunEntry(Entry::Command, 9, L"{\"BValue\":true}", hosted);
+    DisarmAll();
+    SkipWaits();
+    EXPECT_EQ(outcome.call.response, L"{\"result\":true}") << outcome.Describe();
+    const auto listed = LumavenSim::TransactionLog::Read().CallsOf("ADL2_Display_DisplayInfo_Get");
+    ASSERT_EQ(listed.size(), 1u);
+    EXPECT_EQ(listed[0].Number("adapter"), 0) << listed[0].Text();
 }
 
 }  // namespace

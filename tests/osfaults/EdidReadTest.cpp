@@ -67,6 +67,16 @@ TEST_F(EdidRead, ABufferThatCannotGrowLeavesTheMonitorOut)
     EXPECT_EQ(outcome.logs, std::vector<std::wstring>{kUnsupported});
 }
 
+TEST_F(EdidRead, TheBufferGrowsToTwiceTheReportedSizeAndNoMore)
+{
+    // Blocks larger than the grown buffer cannot be had: twice the 384 bytes the registry
+    // reports fits, a buffer grown by more would not.
+    Machine({kLongEdid});
+    const Outcome outcome = Factory([] { FailAllocationsFrom(kGrownBuffer + 1); });
+    EXPECT_TRUE(outcome.created) << outcome.Describe();
+    EXPECT_EQ(outcome.logs, std::vector<std::wstring>{});
+}
+
 TEST_F(EdidRead, AfterAMonitorLeftOutTheNextIsRead)
 {
     Machine({kLongEdid, {.panel = LumavenSim::Panels::kSdc4160}});

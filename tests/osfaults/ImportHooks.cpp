@@ -139,6 +139,9 @@ struct Heap {
     int failAt = 0;
     size_t failFrom = 0;  // every allocation of this many bytes or more fails; 0: none
     size_t failUpTo = 0;  // ... and of no more than this many
+    bool fence = false;   // new blocks are fenced (FenceBlocks)
+    // Each fenced block with the start of the pages it lies in.
+    std::map<void*, void*> fenced;
 };
 
 Heap& DllHeap()
@@ -173,39 +176,6 @@ void Untracked(void* block)
     heap.live.erase(block);
 }
 
-// Every block the DLL takes from the C heap gets kGuardBytes more, filled with kGuardByte; a
-// block given back (freed or reallocated) with them changed was written past its end, which
-// fails the test that was running. Without this a write one character too far mostly lands in
-// the heap's rounding and shows nowhere.
-constexpr size_t kGuardBytes = 16;
-constexpr unsigned char kGuardByte = 0xFD;
-
-void* Guarded(void* block, size_t size)
-{
-    if (block != nullptr) {
-        std::memset(static_cast<unsigned char*>(block) + size, kGuardByte, kGuardBytes);
-    }
-    return Tracked(block, size);
-}
-
-void CheckGuard(void* block)
-{
-    std::optional<size_t> size;
-    Locked(DllHeap(), [block, &size](const Heap& heap) {
-        const auto found = heap.live.find(block);
-        if (found != heap.live.end()) {
-            size = found->second.second;
-        }
-    });
-    if (!size) {
-        return;  // made before the hooks, or not from the C heap
-    }
-    const auto* const guard = static_cast<const unsigned char*>(block) + *size;
-    if (std::any_of(guard, guard + kGuardBytes, [](unsigned char byte) { return byte != kGuardByte; })) {
-        ADD_FAILURE() << "LumavenService.dll wrote past the end of a block of " << *size << " bytes";
-    }
-}
-
 template <class Hooked>
 bool AllocationFails(size_t size)
 {
@@ -229,13 +199,118 @@ using Free = LUMAVEN_IMPORT("msvcrt.dll", free);
 using BstrAlloc = LUMAVEN_IMPORT("OLEAUT32.dll", SysAllocStringLen);
 using BstrFree = LUMAVEN_IMPORT("OLEAUT32.dll", SysFreeString);
 
+// Every block the DLL takes from the C heap gets kGuardBytes more, filled with kGuardByte; a
+// block given back (freed or reallocated) with them changed was written past its end, which
+// fails the test that was running. Without this a write one character too far mostly lands in
+// the heap's rounding and shows nowhere.
+constexpr size_t kGuardBytes = 16;
+constexpr unsigned char kGuardByte = 0xFD;
+// A new block's bytes (and a grown block's new ones) are not zero, as under a debug C runtime,
+// which fills them with 0xCD: code that reads a block before writing it shows here, where
+// fresh pages would hand it zeros.
+constexpr unsigned char kNewByte = 0xCD;
+// A fenced block ends where a page that cannot be touched begins, as a full page heap places
+// it (Application Verifier's): a read past the end faults at once. It starts 16-aligned like
+// any block of malloc's, so up to 15 guard bytes lie between its end and the fence.
+constexpr size_t kAlignment = 16;
+
+size_t PageSize()
+{
+    SYSTEM_INFO system{};
+    GetSystemInfo(&system);
+    return system.dwPageSize;
+}
+
+size_t RoundUp(size_t size, size_t unit)
+{
+    return (size + unit - 1) / unit * unit;
+}
+
+// The guard bytes after a block: a fenced one's up to the fence, any other's kGuardBytes.
+size_t GuardOf(const Heap& heap, void* block, size_t size)
+{
+    return heap.fenced.contains(block) ? RoundUp(size, kAlignment) - size : kGuardBytes;
+}
+
+void* FencedBlock(size_t size)
+{
+    const size_t page = PageSize();
+    const size_t room = std::max(RoundUp(RoundUp(size, kAlignment), page), page);
+    auto* const pages =
+        static_cast<unsigned char*>(VirtualAlloc(nullptr, room + page, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    if (pages == nullptr) {
+        return nullptr;
+    }
+    DWORD protection = 0;
+    VirtualProtect(pages + room, page, PAGE_NOACCESS, &protection);
+    unsigned char* const block = pages + room - RoundUp(size, kAlignment);
+    Locked(DllHeap(), [block, pages](Heap& heap) { heap.fenced[block] = pages; });
+    return block;
+}
+
+// A block of `size` bytes for the DLL, fenced or from the C heap, its bytes kNewByte and
+// followed by guard bytes.
+void* NewBlock(size_t size)
+{
+    const bool fence = Locked(DllHeap(), [](const Heap& heap) { return heap.fence; });
+    void* const block = fence ? FencedBlock(size) : Original<Malloc>()(size + kGuardBytes);
+    if (block == nullptr) {
+        return nullptr;
+    }
+    std::memset(block, kNewByte, size);
+    const size_t guard = Locked(DllHeap(), [block, size](const Heap& heap) { return GuardOf(heap, block, size); });
+    std::memset(static_cast<unsigned char*>(block) + size, kGuardByte, guard);
+    return Tracked(block, size);
+}
+
+// Checks a block the DLL gives back and forgets it; its size, when the block is the DLL's.
+std::optional<size_t> GivenBack(void* block)
+{
+    std::optional<size_t> size;
+    size_t guard = 0;
+    Locked(DllHeap(), [block, &size, &guard](const Heap& heap) {
+        const auto found = heap.live.find(block);
+        if (found != heap.live.end()) {
+            size = found->second.second;
+            guard = GuardOf(heap, block, *size);
+        }
+    });
+    if (!size) {
+        return size;  // made before the hooks, or not from the C heap
+    }
+    const auto* const after = static_cast<const unsigned char*>(block) + *size;
+    if (std::any_of(after, after + guard, [](unsigned char byte) { return byte != kGuardByte; })) {
+        ADD_FAILURE() << "LumavenService.dll wrote past the end of a block of " << *size << " bytes";
+    }
+    Untracked(block);
+    return size;
+}
+
+// Gives a block back to where it came from: its pages or the C heap.
+void Release(void* block)
+{
+    void* pages = nullptr;
+    Locked(DllHeap(), [block, &pages](Heap& heap) {
+        const auto found = heap.fenced.find(block);
+        if (found != heap.fenced.end()) {
+            pages = found->second;
+            heap.fenced.erase(found);
+        }
+    });
+    if (pages != nullptr) {
+        VirtualFree(pages, 0, MEM_RELEASE);
+    } else {
+        Original<Free>()(block);
+    }
+}
+
 void* HookedMalloc(size_t size)
 {
     if (AllocationFails<Malloc>(size)) {
         errno = ENOMEM;
         return nullptr;
     }
-    return Guarded(Original<Malloc>()(size + kGuardBytes), size);
+    return NewBlock(size);
 }
 
 void* HookedCalloc(size_t count, size_t size)
@@ -244,26 +319,48 @@ void* HookedCalloc(size_t count, size_t size)
         errno = ENOMEM;
         return nullptr;
     }
-    return Guarded(Original<Calloc>()(count * size + kGuardBytes, 1), count * size);
+    void* const block = NewBlock(count * size);
+    if (block != nullptr) {
+        std::memset(block, 0, count * size);
+    }
+    return block;
 }
 
-// A failed realloc leaves the block where it was, with its owner.
+// A failed realloc leaves the block where it was, with its owner. The block moves each time,
+// so that a pointer kept to the old place shows too.
 void* HookedRealloc(void* block, size_t size)
 {
     if (AllocationFails<Realloc>(size)) {
         errno = ENOMEM;
         return nullptr;
     }
-    CheckGuard(block);
+    if (block == nullptr) {
+        return NewBlock(size);
+    }
+    if (!Locked(DllHeap(), [block](const Heap& heap) { return heap.live.contains(block); })) {
+        // Made before the hooks (the runtime's own tables): its size is the heap's secret, so
+        // the heap moves it, and it is the DLL's from now on.
+        if (size == 0) {
+            return Original<Realloc>()(block, 0);
+        }
+        auto* const moved = static_cast<unsigned char*>(Original<Realloc>()(block, size + kGuardBytes));
+        if (moved != nullptr) {
+            std::memset(moved + size, kGuardByte, kGuardBytes);
+        }
+        return Tracked(moved, size);
+    }
     if (size == 0) {
-        Untracked(block);
-        return Original<Realloc>()(block, 0);  // frees the block
+        GivenBack(block);
+        Release(block);
+        return nullptr;
     }
-    void* const moved = Original<Realloc>()(block, size + kGuardBytes);
-    if (moved != nullptr) {
-        Untracked(block);
+    void* const moved = NewBlock(size);
+    if (moved == nullptr) {
+        return nullptr;
     }
-    return Guarded(moved, size);
+    std::memcpy(moved, block, std::min(GivenBack(block).value_or(0), size));
+    Release(block);
+    return moved;
 }
 
 char* HookedStrdup(const char* text)
@@ -273,20 +370,19 @@ char* HookedStrdup(const char* text)
         return nullptr;
     }
     const size_t size = std::strlen(text) + 1;
-    void* const copy = Original<Malloc>()(size + kGuardBytes);
+    void* const copy = NewBlock(size);
     if (copy != nullptr) {
         std::memcpy(copy, text, size);
     }
-    return static_cast<char*>(Guarded(copy, size));
+    return static_cast<char*>(copy);
 }
 
 void HookedFree(void* block)
 {
     intptr_t ignored = 0;
     Free::hook.Fires(ignored);
-    CheckGuard(block);
-    Untracked(block);
-    Original<Free>()(block);
+    GivenBack(block);
+    Release(block);
 }
 
 BSTR WINAPI HookedBstrAlloc(const OLECHAR* text, UINT length)
@@ -725,6 +821,7 @@ void DisarmAll()
     AnswerClassGuidCount(0);
     AnswerEdidClaim(0);
     FailAllocationsFrom(0);
+    FenceBlocks(false);
     TraceCalls(false);
 }
 
@@ -791,6 +888,31 @@ void FailAllocationsFrom(size_t bytes, size_t upTo)
     Locked(DllHeap(), [bytes, upTo](Heap& heap) {
         heap.failFrom = bytes;
         heap.failUpTo = upTo;
+    });
+}
+
+void FenceBlocks(bool on)
+{
+    Locked(DllHeap(), [on](Heap& heap) { heap.fence = on; });
+}
+
+std::optional<size_t> FencedBlockBefore(const void* address)
+{
+    const size_t page = PageSize();
+    return Locked(DllHeap(), [address, page](const Heap& heap) {
+        const auto* const at = static_cast<const unsigned char*>(address);
+        for (const auto& [block, pages] : heap.fenced) {
+            const auto found = heap.live.find(block);
+            if (found == heap.live.end()) {
+                continue;
+            }
+            const size_t size = found->second.second;
+            const auto* const fence = static_cast<const unsigned char*>(block) + RoundUp(size, kAlignment);
+            if (at >= fence && at < fence + page) {
+                return std::optional<size_t>(size);
+            }
+        }
+        return std::optional<size_t>();
     });
 }
 

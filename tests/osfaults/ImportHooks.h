@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -76,6 +77,12 @@ void FailNthAllocation(int nth);
 // Every allocation of at least `bytes` (and at most `upTo`) fails as well, as where memory is
 // short for a large block only. Disarmed with 0.
 void FailAllocationsFrom(size_t bytes, size_t upTo = SIZE_MAX);
+// While on, every block the DLL allocates from the C heap lies in pages of its own and ends
+// where a page that cannot be touched begins: reading past its end faults. Blocks keep their
+// place when it is switched off.
+void FenceBlocks(bool on);
+// The size of the fenced block whose fence holds `address`, if any.
+std::optional<size_t> FencedBlockBefore(const void* address);
 // Allocation calls since the last FailNthAllocation.
 int AllocationCalls();
 // Blocks the DLL allocated through its imports (heap blocks and BSTRs) and has not freed.

@@ -6,6 +6,7 @@
 // where an exception may leave), never in a crash, std::terminate or a hang; must leave no
 // block of the DLL behind; and the same entry point must answer as before once memory is
 // there again.
+#include "EntryPoints.h"
 #include "EntryRun.h"
 #include "HostedService.h"
 #include "ImportHooks.h"
@@ -31,33 +32,6 @@ using LumavenTest::HostedService;
 constexpr uint32_t kStatusException = 0x20000006;
 constexpr wchar_t kBadAlloc[] = L"std::bad_alloc";
 constexpr wchar_t kQualified[] = L"Xelto::Spanlet::Server::Services::Lumaven::LumavenService::";
-
-struct EntryPoint {
-    const char* name;
-    Entry kind;
-    uint32_t command = 0;
-    const wchar_t* request = L"{}";
-};
-
-const EntryPoint kEntryPoints[] = {
-    {"factory", Entry::Factory},
-    {"startup", Entry::Startup},
-    {"cmd1", Entry::Command, 1},
-    {"cmd2", Entry::Command, 2},
-    {"cmd3", Entry::Command, 3},
-    {"cmd4", Entry::Command, 4},
-    {"cmd5", Entry::Command, 5},
-    {"cmd6", Entry::Command, 6},
-    {"cmd7", Entry::Command, 7},
-    {"cmd8", Entry::Command, 8},
-    {"cmd9", Entry::Command, 9, L"{\"BValue\":true}"},
-    {"cmd10", Entry::Command, 10},
-    {"cmd11", Entry::Command, 11},
-    {"cmd12", Entry::Command, 12},
-    {"cmd13", Entry::Command, 13},
-    {"cmd14", Entry::Command, 14, L"{\"BValue\":true}"},
-    {"event", Entry::Event},
-};
 
 // A handler's catch line: the first form prints the handler's qualified name, the second the
 // exception's message.
@@ -131,12 +105,12 @@ std::vector<std::wstring> CatchLines(const Outcome& outcome)
     return lines;
 }
 
-class OutOfMemory : public ::testing::TestWithParam<std::tuple<const char*, EntryPoint>> {
+class OutOfMemory : public ::testing::TestWithParam<OnLaptop> {
 protected:
     void SetUp() override
     {
         LumavenTest::InstallShippedProfile(Laptop());
-        m_amd = std::string(Laptop()).find("amd") != std::string::npos;
+        m_amd = OnAmd(Laptop());
         m_module = LoadLibraryW(L"LumavenService.dll");
         ASSERT_NE(m_module, nullptr);
         m_patch = std::make_unique<PatchedImports>(m_module);
@@ -162,16 +136,6 @@ protected:
     static Outcome Run(const EntryPoint& entry, std::unique_ptr<HostedService>& hosted)
     {
         return RunEntry(entry.kind, entry.command, entry.request, hosted);
-    }
-
-    static std::unique_ptr<HostedService> Prepared(const EntryPoint& entry)
-    {
-        std::unique_ptr<HostedService> hosted = LumavenOsFaults::Prepared(entry.kind);
-        if (entry.kind == Entry::Event) {
-            // The event re-writes the panel only while power saving is stored on.
-            EXPECT_EQ(hosted->Run(9, L"{\"BValue\":true}").status, 0u);
-        }
-        return hosted;
     }
 
     static const char* Laptop() { return std::get<0>(GetParam()); }
@@ -222,7 +186,7 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
 
         // Twice without a fault: the answer every later run must give again, and the blocks the
         // DLL holds once it has settled.
-        std::unique_ptr<HostedService> hosted = Prepared(entry);
+        std::unique_ptr<HostedService> hosted = PreparedFor(entry);
         Run(entry, hosted);
         const Outcome baseline = Run(entry, hosted);
         ASSERT_TRUE(baseline.returned) << baseline.Describe();
@@ -241,7 +205,7 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
         int points = 0;
         for (int nth = 1;; ++nth) {
             SCOPED_TRACE("allocation " + std::to_string(nth));
-            hosted = Prepared(entry);
+            hosted = PreparedFor(entry);
             FailNthAllocation(nth);
             const Outcome failed = Run(entry, hosted);
             const bool reached = AllocationCalls() >= nth;
@@ -289,7 +253,7 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
 
             // Memory again: the same entry point answers as before, on the same service.
             if (entry.kind == Entry::Factory || entry.kind == Entry::Startup) {
-                hosted = Prepared(entry);
+                hosted = PreparedFor(entry);
             }
             const Outcome again = Run(entry, hosted);
             EXPECT_EQ(again.Describe(), baseline.Describe());
@@ -318,12 +282,6 @@ TEST_P(OutOfMemory, EveryAllocationOfEveryEntryPointFailsInTurn)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(ShippedLaptops, OutOfMemory,
-                         ::testing::Combine(::testing::Values("intel-laptop", "amd-laptop"),
-                                            ::testing::ValuesIn(kEntryPoints)),
-                         [](const ::testing::TestParamInfo<std::tuple<const char*, EntryPoint>>& info) {
-                             const bool amd = std::string(std::get<0>(info.param)).find("amd") != std::string::npos;
-                             return std::string(amd ? "Amd_" : "Intel_") + std::get<1>(info.param).name;
-                         });
+INSTANTIATE_TEST_SUITE_P(ShippedLaptops, OutOfMemory, kOnShippedLaptops, NameOnLaptop);
 
 }  // namespace

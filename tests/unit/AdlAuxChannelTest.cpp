@@ -342,6 +342,27 @@ TEST_F(AdlAuxChannel, TwoMappedDisplaysOfThePanelGetTheListTwiceAtAdapter0Displa
     EXPECT_EQ(Register(state, 1, 0, "0x045A"), -1) << "the second display itself is never written";
 }
 
+TEST_F(AdlAuxChannel, TheMostAdaptersTakenAreWalkedLikeAnyOther)
+{
+    // 1024 adapters, the most ADL may report: the first with the panel, the others without
+    // displays. Each is asked for its displays; the panel is written.
+    constexpr int kMostAdapters = 1024;
+    std::vector<Profile::AmdAdapter> adapters = PanelAdapter();
+    for (int index = 1; index < kMostAdapters; ++index) {
+        adapters.push_back(Adapter(index, {}));
+    }
+    InstallProfile(Laptop(std::move(adapters)));
+    m_capture.Clear();
+    EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
+    EXPECT_EQ(Number(RecordsOf("ADL2_Adapter_AdapterInfo_Get")[0], "inputSize"), kMostAdapters * 1572);
+    EXPECT_EQ(RecordsOf("ADL2_Display_DisplayInfo_Get").size(), static_cast<size_t>(kMostAdapters));
+    const std::vector<std::wstring> logged = Logged();
+    ASSERT_GE(logged.size(), 3u);
+    EXPECT_EQ(logged[0], L"nAdapter count=1024");
+    EXPECT_EQ(logged[1], L"display count=1");
+    EXPECT_EQ(logged[2], L"Write AUX data");
+}
+
 TEST_F(AdlAuxChannel, EdidIsAskedForByLoopPositionsNotByAdlIndices)
 {
     // The adapter's ADL index (5) and the display's own index (7) are not what the EDID

@@ -36,6 +36,18 @@ inline std::wstring Hex(uint64_t value, bool lowerCase = false)
 
 }  // namespace LumavenTest::Answers
 
+// The Intel control library's results as the DLL's exported ctl functions answer them: the
+// library's own, or the client layer's when the library cannot be had or is not loaded.
+namespace LumavenTest::IntelResults {
+
+inline constexpr uint32_t kNotInitialized = 0x40000001;
+inline constexpr uint32_t kUnsupportedVersion = 0x40000009;
+inline constexpr uint32_t kInvalidArgument = 0x4000000B;
+inline constexpr uint32_t kInvalidNullPointer = 0x4000000E;
+inline constexpr uint32_t kLoad = 0x40000026;
+
+}  // namespace LumavenTest::IntelResults
+
 namespace LumavenTest {
 
 // The command succeeded with the response {"result":true} or {"result":false}. Used as

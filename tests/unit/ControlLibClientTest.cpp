@@ -2,6 +2,7 @@
 // through their cases one by one on the simulated driver, whose load counters and transaction
 // log say what really happened.
 #include "ControlLibFixture.h"
+#include "ServiceAnswers.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +10,7 @@
 
 using namespace Xelto::Spanlet::Server::Services::Lumaven;
 namespace Intel = LumavenSim::Intel;
+namespace IntelResults = LumavenTest::IntelResults;
 
 namespace {
 
@@ -24,7 +26,7 @@ class ControlLibClient : public LumavenTest::ControlLibTest {
 protected:
     // ctlClose of `api` answers `result` and leaves `module` as the library's module, the
     // driver's unload counter at `unloads`.
-    static void ExpectClosed(ctl_api_handle_t api, ctl_result_t result, HMODULE module, int unloads)
+    static void ExpectClosed(ctl_api_handle_t api, uint32_t result, HMODULE module, int unloads)
     {
         EXPECT_EQ(ctlClose(api), result);
         EXPECT_EQ(controlLibModule, module) << "after ctlClose";
@@ -64,7 +66,7 @@ TEST_F(ControlLibClient, InitOnALoadedLibraryForwardsWithoutLoadingAgain)
     ASSERT_EQ(Init(&api), CTL_RESULT_SUCCESS);
     const HMODULE first = controlLibModule;
     // The library's own answer comes back, whatever it is.
-    EXPECT_EQ(Init(&api), CTL_RESULT_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(Init(&api), IntelResults::kInvalidArgument);
     EXPECT_EQ(controlLibModule, first);
     EXPECT_EQ(Intel::Counter("loads"), 1);
     EXPECT_EQ(Calls("ctlInit").size(), 2u);
@@ -74,7 +76,7 @@ TEST_F(ControlLibClient, FailingLibraryInitStillLeavesTheLibraryLoaded)
 {
     InstallIntel("ControlLib.dll", {}, {{.function = "ctlInit", .code = 1073741835}});
     ctl_api_handle_t api = nullptr;
-    EXPECT_EQ(Init(&api), CTL_RESULT_ERROR_INVALID_ARGUMENT);
+    EXPECT_EQ(Init(&api), IntelResults::kInvalidArgument);
     EXPECT_NE(controlLibModule, nullptr);
     EXPECT_EQ(api, nullptr);
 }
@@ -83,7 +85,7 @@ TEST_F(ControlLibClient, MajorVersion2WithoutRuntimePathIsRefusedAndLoadsNothing
 {
     InstallIntel("ControlLib.dll");
     ctl_api_handle_t api = nullptr;
-    EXPECT_EQ(Init(&api, 0x00020000), CTL_RESULT_ERROR_UNSUPPORTED_VERSION);
+    EXPECT_EQ(Init(&api, 0x00020000), IntelResults::kUnsupportedVersion);
     EXPECT_EQ(controlLibModule, nullptr);
     EXPECT_EQ(api, nullptr);
     EXPECT_EQ(Intel::Counter("loads"), 0);
@@ -109,7 +111,7 @@ TEST_F(ControlLibClient, RuntimePathSkipsTheVersionCheckAndLoadsTheNamedLibrary)
     // Loaded all the same; the version is the library's business, and this one implements
     // API 1 only.
     ctl_api_handle_t api = nullptr;
-    EXPECT_EQ(Init(&api, 0x00020000), CTL_RESULT_ERROR_UNSUPPORTED_VERSION);
+    EXPECT_EQ(Init(&api, 0x00020000), IntelResults::kUnsupportedVersion);
     ASSERT_NE(controlLibModule, nullptr);
     EXPECT_TRUE(SameFile(ModulePath(controlLibModule), path));
 
@@ -133,11 +135,11 @@ TEST_F(ControlLibClient, WithoutControlLibInitAnswersTheLoadErrorAndStaysUnloade
 {
     InstallIntel("");
     ctl_api_handle_t api = nullptr;
-    EXPECT_EQ(Init(&api), CTL_RESULT_ERROR_LOAD);
+    EXPECT_EQ(Init(&api), IntelResults::kLoad);
     EXPECT_EQ(controlLibModule, nullptr);
     EXPECT_EQ(api, nullptr);
     // Nothing is loaded, so the forwarders still answer the not-initialised error.
-    EXPECT_EQ(ctlClose(api), CTL_RESULT_ERROR_NOT_INITIALIZED);
+    EXPECT_EQ(ctlClose(api), IntelResults::kNotInitialized);
 }
 
 TEST_F(ControlLibClient, OnlySystem32IsSearchedForControlLib)
@@ -150,7 +152,7 @@ TEST_F(ControlLibClient, OnlySystem32IsSearchedForControlLib)
     ctl_api_handle_t api = nullptr;
     const ctl_result_t result = Init(&api);
     SetCurrentDirectoryW(previous);
-    EXPECT_EQ(result, CTL_RESULT_ERROR_LOAD);
+    EXPECT_EQ(result, IntelResults::kLoad);
     EXPECT_EQ(controlLibModule, nullptr);
 }
 
@@ -162,7 +164,7 @@ TEST_F(ControlLibClient, ARuntimePathThatCannotBeLoadedAnswersTheLoadError)
     ASSERT_EQ(ctlSetRuntimePath(&runtime), CTL_RESULT_SUCCESS);
     ctl_api_handle_t api = nullptr;
     // No file name is appended and system32 is not tried instead.
-    EXPECT_EQ(Init(&api), CTL_RESULT_ERROR_LOAD);
+    EXPECT_EQ(Init(&api), IntelResults::kLoad);
     EXPECT_EQ(controlLibModule, nullptr);
     EXPECT_EQ(Intel::Counter("loads"), 0);
 }
@@ -171,13 +173,13 @@ TEST_F(ControlLibClient, SetRuntimePathWithoutAPathBeforeLoadingRemembersNothing
 {
     InstallIntel("ControlLib.dll");
     ctl_runtime_path_args_t runtime = RuntimePathArgs(nullptr);
-    EXPECT_EQ(ctlSetRuntimePath(&runtime), CTL_RESULT_ERROR_NOT_INITIALIZED);
+    EXPECT_EQ(ctlSetRuntimePath(&runtime), IntelResults::kNotInitialized);
     EXPECT_EQ(runtimePathArgs, nullptr);
-    EXPECT_EQ(ctlSetRuntimePath(nullptr), CTL_RESULT_ERROR_NOT_INITIALIZED);
+    EXPECT_EQ(ctlSetRuntimePath(nullptr), IntelResults::kNotInitialized);
     EXPECT_EQ(runtimePathArgs, nullptr);
     // So the version is still checked.
     ctl_api_handle_t api = nullptr;
-    EXPECT_EQ(Init(&api, 0x00020000), CTL_RESULT_ERROR_UNSUPPORTED_VERSION);
+    EXPECT_EQ(Init(&api, 0x00020000), IntelResults::kUnsupportedVersion);
     EXPECT_EQ(controlLibModule, nullptr);
 }
 
@@ -205,7 +207,7 @@ TEST_F(ControlLibClient, SetRuntimePathOnALoadedLibraryWithoutTheSymbolAnswersNo
     ASSERT_EQ(Init(&api), CTL_RESULT_SUCCESS);
     wchar_t path[] = L"C:\\elsewhere\\ControlLib.dll";
     ctl_runtime_path_args_t runtime = RuntimePathArgs(path);
-    EXPECT_EQ(ctlSetRuntimePath(&runtime), CTL_RESULT_ERROR_NOT_INITIALIZED);
+    EXPECT_EQ(ctlSetRuntimePath(&runtime), IntelResults::kNotInitialized);
     EXPECT_EQ(runtimePathArgs, nullptr);
 }
 
@@ -219,7 +221,7 @@ TEST_F(ControlLibClient, FailedCloseKeepsTheLibraryLoadedButForgetsTheRuntimePat
     ASSERT_EQ(Init(&api), CTL_RESULT_SUCCESS);
     const HMODULE loaded = controlLibModule;
 
-    ExpectClosed(api, CTL_RESULT_ERROR_INVALID_ARGUMENT, loaded, 0);
+    ExpectClosed(api, IntelResults::kInvalidArgument, loaded, 0);
     EXPECT_EQ(runtimePathArgs, nullptr);
 
     // The next ctlInit reuses the library: no second load, and no runtime path to pass on.
@@ -248,7 +250,7 @@ TEST_F(ControlLibClient, CloseWithoutALibraryAnswersNotInitializedAndForgetsTheR
     wchar_t path[] = L"C:\\elsewhere\\ControlLib.dll";
     ctl_runtime_path_args_t runtime = RuntimePathArgs(path);
     ASSERT_EQ(ctlSetRuntimePath(&runtime), CTL_RESULT_SUCCESS);
-    EXPECT_EQ(ctlClose(nullptr), CTL_RESULT_ERROR_NOT_INITIALIZED);
+    EXPECT_EQ(ctlClose(nullptr), IntelResults::kNotInitialized);
     EXPECT_EQ(runtimePathArgs, nullptr);
     EXPECT_TRUE(LumavenSim::TransactionLog::Read().Empty());
 }
@@ -259,7 +261,7 @@ TEST_F(ControlLibClient, CloseOnALibraryWithoutTheSymbolKeepsItLoaded)
     ctl_api_handle_t api = nullptr;
     ASSERT_EQ(Init(&api), CTL_RESULT_SUCCESS);
     const HMODULE loaded = controlLibModule;
-    ExpectClosed(api, CTL_RESULT_ERROR_NOT_INITIALIZED, loaded, 0);
+    ExpectClosed(api, IntelResults::kNotInitialized, loaded, 0);
 }
 
 TEST_F(ControlLibClient, FreshlyLoadedLibraryWithoutCtlInitReportsSuccessButALoadedOneDoesNot)
@@ -268,7 +270,7 @@ TEST_F(ControlLibClient, FreshlyLoadedLibraryWithoutCtlInitReportsSuccessButALoa
     ctl_api_handle_t api = nullptr;
     EXPECT_EQ(Init(&api), CTL_RESULT_SUCCESS);
     ASSERT_NE(controlLibModule, nullptr);
-    EXPECT_EQ(Init(&api), CTL_RESULT_ERROR_NOT_INITIALIZED);
+    EXPECT_EQ(Init(&api), IntelResults::kNotInitialized);
     EXPECT_EQ(api, nullptr);
     EXPECT_EQ(Intel::Counter("loads"), 1);
     EXPECT_TRUE(Calls("ctlInit").empty());
@@ -322,7 +324,7 @@ TEST_F(ControlLibClient, FormattedLibraryNameKeepsAtMost255Characters)
 TEST_F(ControlLibClient, NullInitArgumentsReachTheLibraryWhichRefusesThem)
 {
     InstallIntel("ControlLib.dll");
-    EXPECT_EQ(ctlInit(nullptr, nullptr), CTL_RESULT_ERROR_INVALID_NULL_POINTER);
+    EXPECT_EQ(ctlInit(nullptr, nullptr), IntelResults::kInvalidNullPointer);
     EXPECT_NE(controlLibModule, nullptr);
     const auto calls = Calls("ctlInit");
     ASSERT_EQ(calls.size(), 1u);

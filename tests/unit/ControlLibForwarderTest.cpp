@@ -3,6 +3,7 @@
 // that lacks every forwarded symbol.
 #include "ControlLibFixture.h"
 #include "ControlLibProof.h"
+#include "ServiceAnswers.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +26,7 @@ protected:
     }
 
     // Calls every forwarder with its distinct arguments and expects `expected` from each.
-    static int ExpectEveryForwarderAnswers(ctl_result_t expected)
+    static int ExpectEveryForwarderAnswers(uint32_t expected)
     {
         int index = 0;
 #define LUMAVEN_EXPECT_ANSWER(name, ...)                               \
@@ -42,7 +43,7 @@ protected:
 TEST_F(ControlLibForwarders, EveryForwarderBeforeInitAnswersNotInitialized)
 {
     InstallIntel("ControlLib.dll");
-    EXPECT_EQ(ExpectEveryForwarderAnswers(CTL_RESULT_ERROR_NOT_INITIALIZED), 90);
+    EXPECT_EQ(ExpectEveryForwarderAnswers(LumavenTest::IntelResults::kNotInitialized), 90);
     EXPECT_EQ(controlLibModule, nullptr);
     EXPECT_EQ(LumavenSim::Intel::Counter("loads"), 0);
     EXPECT_TRUE(LumavenSim::TransactionLog::Read().Empty());
@@ -65,7 +66,7 @@ TEST_F(ControlLibForwarders, EveryForwarderAnswersNotInitializedWhenTheLibraryLa
 {
     Load("ControlLib-initonly.dll");
     LumavenSim::ClearTransactions();
-    EXPECT_EQ(ExpectEveryForwarderAnswers(CTL_RESULT_ERROR_NOT_INITIALIZED), 90);
+    EXPECT_EQ(ExpectEveryForwarderAnswers(LumavenTest::IntelResults::kNotInitialized), 90);
     EXPECT_NE(controlLibModule, nullptr);
     EXPECT_TRUE(LumavenSim::TransactionLog::Read().Empty());
 }
@@ -80,5 +81,5 @@ TEST_F(ControlLibForwarders, TheSymbolIsLookedUpAgainAfterTheLibraryWasReplaced)
 
     // Same name in system32, but this one lacks the symbol: no stale address may be called.
     Load("ControlLib-initonly.dll");
-    EXPECT_EQ(ctlEnumerateDevices(api, &count, nullptr), CTL_RESULT_ERROR_NOT_INITIALIZED);
+    EXPECT_EQ(ctlEnumerateDevices(api, &count, nullptr), LumavenTest::IntelResults::kNotInitialized);
 }

@@ -20,6 +20,7 @@ using Lines = std::vector<std::wstring>;
 // Registry and loader (Win32 error codes).
 constexpr intptr_t kAccessDenied = ERROR_ACCESS_DENIED;
 constexpr intptr_t kFileNotFound = ERROR_FILE_NOT_FOUND;
+constexpr intptr_t kPathNotFound = ERROR_PATH_NOT_FOUND;
 constexpr intptr_t kInvalidHandle = ERROR_INVALID_HANDLE;
 // Functions answering a handle or a BOOL: the value of the failed call, the code in the last error.
 constexpr intptr_t kNull = 0;
@@ -165,6 +166,14 @@ std::vector<OsFaultRow> MakeRows()
          .after = Oled::Absent},
         {.function = "RegQueryValueExW",
          .failure = Nth(1, kAccessDenied),
+         .command = 7,
+         .before = Oled::One,
+         .status = kRegistryError,
+         .response = kOledZero,
+         .after = Oled::One},
+        // Only a missing value is a normal "off"; the code next to it is a failure like any other.
+        {.function = "RegQueryValueExW",
+         .failure = Nth(1, kPathNotFound),
          .command = 7,
          .before = Oled::One,
          .status = kRegistryError,

@@ -354,7 +354,9 @@ TEST_F(AdlAuxChannel, TheMostAdaptersTakenAreWalkedLikeAnyOther)
     InstallProfile(Laptop(std::move(adapters)));
     m_capture.Clear();
     EXPECT_TRUE(WriteAuxDataAmd(kPanel416C, OnSequence(kPanel416C)));
-    EXPECT_EQ(Number(RecordsOf("ADL2_Adapter_AdapterInfo_Get")[0], "inputSize"), kMostAdapters * 1572);
+    const auto adapterInfo = RecordsOf("ADL2_Adapter_AdapterInfo_Get");
+    ASSERT_EQ(adapterInfo.size(), 1u) << "the adapter list was not asked for";
+    EXPECT_EQ(Number(adapterInfo[0], "inputSize"), kMostAdapters * 1572);
     EXPECT_EQ(RecordsOf("ADL2_Display_DisplayInfo_Get").size(), static_cast<size_t>(kMostAdapters));
     const std::vector<std::wstring> logged = Logged();
     ASSERT_GE(logged.size(), 3u);

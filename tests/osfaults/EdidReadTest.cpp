@@ -2,12 +2,15 @@
 // (a base block with extension blocks) is read whole; a buffer that cannot grow, or a value
 // that claims more room without the room growing, leaves that monitor out and the walk goes
 // on. The factory tells: it makes a service only when a supported panel was read.
+#include "CallTrace.h"
 #include "EntryRun.h"
 #include "ImportHooks.h"
 #include "SimMachine.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -27,6 +30,23 @@ protected:
     static void Machine(const std::vector<LumavenSim::Profile::Monitor>& monitors)
     {
         LumavenTest::InstallProfile(LumavenSim::Profile::Machine{.monitors = monitors});
+    }
+
+    // How often the factory queries the "EDID" value of the one monitor, a supported panel
+    // whose value has this many bytes.
+    static long EdidQueries(unsigned edidLength)
+    {
+        Machine({{.panel = LumavenSim::Panels::kSdc4174, .edidLength = edidLength}});
+        LoadedDll dll;
+        EXPECT_TRUE(dll.Loaded());
+        std::unique_ptr<LumavenTest::HostedService> hosted = Prepared(Entry::Factory);
+        TraceCalls(true);
+        const Outcome outcome = RunEntry(Entry::Factory, 0, L"{}", hosted);
+        const std::vector<std::wstring> traced = TracedCalls();
+        DisarmAll();
+        EXPECT_TRUE(outcome.created) << outcome.Describe();
+        return static_cast<long>(
+            std::count(traced.begin(), traced.end(), L"RegQueryValueExW(ptr, \"EDID\", null, null, ptr, ptr)"));
     }
 
     // The factory on a DLL loaded for this run, with `arrange` setting the faults; checks that
@@ -75,6 +95,15 @@ TEST_F(EdidRead, TheBufferGrowsToTwiceTheReportedSizeAndNoMore)
     const Outcome outcome = Factory([] { FailAllocationsFrom(kGrownBuffer + 1); });
     EXPECT_TRUE(outcome.created) << outcome.Describe();
     EXPECT_EQ(outcome.logs, std::vector<std::wstring>{});
+}
+
+TEST_F(EdidRead, AValueWithOneExtensionBlockFitsTheFirstBuffer)
+{
+    // 256 bytes, the most common EDID of a laptop panel, is read into the first buffer: the
+    // factory queries it as often as a base block alone, never again for a larger buffer.
+    const long once = EdidQueries(128);
+    EXPECT_GT(once, 0);
+    EXPECT_EQ(EdidQueries(256), once);
 }
 
 TEST_F(EdidRead, AfterAMonitorLeftOutTheNextIsRead)

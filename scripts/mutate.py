@@ -608,6 +608,9 @@ class Results:
     def __init__(self, path):
         self.path = path
         self.rows = {}
+        # Survivors this run found argued equivalent: the one change it makes to rows it did not
+        # just append.
+        self.argued = {}
         if path and os.path.exists(path):
             with open(path, newline="", encoding="utf-8") as f:
                 for row in csv.DictReader(f):
@@ -632,13 +635,23 @@ class Results:
                 writer.writeheader()
             writer.writerow(row)
 
+    def take_others(self):
+        """The rows as the file has them now, where each key's last row is its latest verdict:
+        other runs may have appended rows, or judged a mutant again, since this one read the
+        table (every verdict of this run is in the file too). Only the equivalences this run
+        applied are laid over them."""
+        if self.path and os.path.exists(self.path):
+            self.rows = Results(self.path).rows
+            for key, row in self.argued.items():
+                if self.rows.get(key, {}).get("verdict") == "survived":
+                    self.rows[key] = row
+
     def rewrite(self, order):
         """The table sorted in the listing's order (rows of mutants no longer listed at the end),
-        with the rows other runs appended meanwhile."""
+        with what other runs wrote meanwhile."""
         if not self.path or not os.path.exists(self.path):
             return
-        for key, row in Results(self.path).rows.items():
-            self.rows.setdefault(key, row)
+        self.take_others()
         rank = {key: i for i, key in enumerate(order)}
         rows = sorted(self.rows.values(), key=lambda r: (rank.get(r["key"], len(rank)), r["key"]))
         with open(self.path, "w", newline="", encoding="utf-8") as f:
@@ -894,14 +907,14 @@ def print_figures(tally, count, survivors):
 def apply_equivalents(results, listing, keys, lines_of):
     """Rewrites the table, with the rows other runs appended meanwhile; a survivor argued
     equivalent after it was judged takes that verdict and its reason."""
-    for key, row in Results(results.path).rows.items():
-        results.rows.setdefault(key, row)
+    results.take_others()
     equivalents = load_equivalents()
     for mutant in listing:
         row = results.rows.get(keys[mutant])
         reason = equivalents.get(equivalence_key(mutant, lines_of(mutant[0])))
         if row is not None and row["verdict"] == "survived" and reason:
             row.update(verdict="equivalent", reason=reason)
+            results.argued[keys[mutant]] = row
     results.rewrite([keys[m] for m in listing])
 
 

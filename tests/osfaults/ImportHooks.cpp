@@ -326,8 +326,9 @@ void* HookedCalloc(size_t count, size_t size)
     return block;
 }
 
-// A failed realloc leaves the block where it was, with its owner. The block moves each time,
-// so that a pointer kept to the old place shows too.
+// A failed realloc leaves the block where it was, with its owner. Otherwise the block moves,
+// as realloc may: a pointer kept to the old place reads freed memory, which for a fenced block
+// is released pages and faults.
 void* HookedRealloc(void* block, size_t size)
 {
     if (AllocationFails<Realloc>(size)) {

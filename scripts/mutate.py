@@ -608,9 +608,6 @@ class Results:
     def __init__(self, path):
         self.path = path
         self.rows = {}
-        # Survivors this run found argued equivalent: the one change it makes to rows it did not
-        # just append.
-        self.argued = {}
         if path and os.path.exists(path):
             with open(path, newline="", encoding="utf-8") as f:
                 for row in csv.DictReader(f):
@@ -635,23 +632,18 @@ class Results:
                 writer.writeheader()
             writer.writerow(row)
 
-    def take_others(self):
+    def reread(self):
         """The rows as the file has them now, where each key's last row is its latest verdict:
         other runs may have appended rows, or judged a mutant again, since this one read the
-        table (every verdict of this run is in the file too). Only the equivalences this run
-        applied are laid over them."""
+        table (every verdict of this run is in the file too)."""
         if self.path and os.path.exists(self.path):
             self.rows = Results(self.path).rows
-            for key, row in self.argued.items():
-                if self.rows.get(key, {}).get("verdict") == "survived":
-                    self.rows[key] = row
 
     def rewrite(self, order):
-        """The table sorted in the listing's order (rows of mutants no longer listed at the end),
-        with what other runs wrote meanwhile."""
+        """The table as this run holds it, sorted in the listing's order (rows of mutants no
+        longer listed at the end)."""
         if not self.path or not os.path.exists(self.path):
             return
-        self.take_others()
         rank = {key: i for i, key in enumerate(order)}
         rows = sorted(self.rows.values(), key=lambda r: (rank.get(r["key"], len(rank)), r["key"]))
         with open(self.path, "w", newline="", encoding="utf-8") as f:
@@ -905,16 +897,15 @@ def print_figures(tally, count, survivors):
 
 
 def apply_equivalents(results, listing, keys, lines_of):
-    """Rewrites the table, with the rows other runs appended meanwhile; a survivor argued
-    equivalent after it was judged takes that verdict and its reason."""
-    results.take_others()
+    """Rewrites the table as the file has it now; a survivor argued equivalent after it was
+    judged takes that verdict and its reason."""
+    results.reread()
     equivalents = load_equivalents()
     for mutant in listing:
         row = results.rows.get(keys[mutant])
         reason = equivalents.get(equivalence_key(mutant, lines_of(mutant[0])))
         if row is not None and row["verdict"] == "survived" and reason:
             row.update(verdict="equivalent", reason=reason)
-            results.argued[keys[mutant]] = row
     results.rewrite([keys[m] for m in listing])
 
 

@@ -67,18 +67,27 @@ TEST(AdlxExports, EachOfTheSixMissingMeansNoAdlx)
     }
 }
 
-TEST(AdlBinding, AnAdapterBufferThatCannotBeHadAsksNoAdapter)
+// Command 9 turning power saving on, on a DLL loaded for this run, with `arrange` run just
+// before it (the transaction log emptied).
+template <class Arrange>
+Outcome PowerSavingOn(Arrange&& arrange)
 {
-    LumavenTest::InstallShippedProfile("amd-laptop");
     LoadedDll dll;
-    ASSERT_TRUE(dll.Loaded());
+    EXPECT_TRUE(dll.Loaded());
     std::unique_ptr<LumavenTest::HostedService> hosted = Prepared(Entry::Command);
     LumavenSim::ClearTransactions();
-    // The laptop's one adapter record: 1572 bytes, a size nothing else of the command asks for.
-    FailAllocationsFrom(1572, 1572);
+    arrange();
     const Outcome outcome = RunEntry(Entry::Command, 9, L"{\"BValue\":true}", hosted);
     DisarmAll();
     SkipWaits();
+    return outcome;
+}
+
+TEST(AdlBinding, AnAdapterBufferThatCannotBeHadAsksNoAdapter)
+{
+    LumavenTest::InstallShippedProfile("amd-laptop");
+    // The laptop's one adapter record: 1572 bytes, a size nothing else of the command asks for.
+    const Outcome outcome = PowerSavingOn([] { FailAllocationsFrom(1572, 1572); });
     EXPECT_EQ(outcome.call.status, 0u) << outcome.Describe();
     EXPECT_EQ(outcome.call.response, L"{\"result\":false}");
     EXPECT_EQ(outcome.logs, std::vector<std::wstring>{L"I:nAdapter count=1"});
@@ -94,13 +103,7 @@ TEST(AdlBinding, AnAdapterListADLFailedToFillReadsAsAdapterZero)
     LumavenSim::Profile::Machine machine = LumavenSim::Profile::AmdLaptop(LumavenSim::Panels::kSdc416C);
     machine.faults = {{.function = "ADL2_Adapter_AdapterInfo_Get", .code = kAdlError}};
     LumavenTest::InstallProfile(machine);
-    LoadedDll dll;
-    ASSERT_TRUE(dll.Loaded());
-    std::unique_ptr<LumavenTest::HostedService> hosted = Prepared(Entry::Command);
-    LumavenSim::ClearTransactions();
-    const Outcome outcome = RunEntry(Entry::Command, 9, L"{\"BValue\":true}", hosted);
-    DisarmAll();
-    SkipWaits();
+    const Outcome outcome = PowerSavingOn([] {});
     EXPECT_EQ(outcome.call.response, L"{\"result\":true}") << outcome.Describe();
     const auto listed = LumavenSim::TransactionLog::Read().CallsOf("ADL2_Display_DisplayInfo_Get");
     ASSERT_EQ(listed.size(), 1u);

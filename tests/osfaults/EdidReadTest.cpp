@@ -37,22 +37,19 @@ protected:
     static long EdidQueries(unsigned edidLength)
     {
         Machine({{.panel = LumavenSim::Panels::kSdc4174, .edidLength = edidLength}});
-        LoadedDll dll;
-        EXPECT_TRUE(dll.Loaded());
-        std::unique_ptr<LumavenTest::HostedService> hosted = Prepared(Entry::Factory);
-        TraceCalls(true);
-        const Outcome outcome = RunEntry(Entry::Factory, 0, L"{}", hosted);
-        const std::vector<std::wstring> traced = TracedCalls();
-        DisarmAll();
+        std::vector<std::wstring> traced;
+        const Outcome outcome = Factory([] { TraceCalls(true); }, [&traced] { traced = TracedCalls(); });
         EXPECT_TRUE(outcome.created) << outcome.Describe();
         return static_cast<long>(
             std::count(traced.begin(), traced.end(), L"RegQueryValueExW(ptr, \"EDID\", null, null, ptr, ptr)"));
     }
 
-    // The factory on a DLL loaded for this run, with `arrange` setting the faults; checks that
-    // the DLL gives back what it took once it is unloaded.
-    template <class Arrange>
-    static Outcome Factory(Arrange&& arrange)
+    // The factory on a DLL loaded for this run, with `arrange` setting the faults and `inspect`
+    // run before they are disarmed; checks that the DLL gives back what it took once it is
+    // unloaded.
+    template <class Arrange, class Inspect = void (*)()>
+    static Outcome Factory(
+        Arrange&& arrange, Inspect&& inspect = [] {})
     {
         LoadedDll dll;
         EXPECT_TRUE(dll.Loaded());
@@ -61,6 +58,7 @@ protected:
         std::unique_ptr<LumavenTest::HostedService> hosted = Prepared(Entry::Factory);
         arrange();
         const Outcome outcome = RunEntry(Entry::Factory, 0, L"{}", hosted);
+        inspect();
         DisarmAll();
         hosted.reset();
         dll.Unload();

@@ -140,8 +140,12 @@ struct Heap {
     size_t failFrom = 0;  // every allocation of this many bytes or more fails; 0: none
     size_t failUpTo = 0;  // ... and of no more than this many
     bool fence = false;   // new blocks are fenced (FenceBlocks)
-    // Each fenced block with the start of the pages it lies in.
-    std::map<void*, void*> fenced;
+    // Each fenced block with the pages it lies in and the fence after it.
+    struct Fenced {
+        void* pages;
+        const unsigned char* fence;
+    };
+    std::map<void*, Fenced> fenced;
 };
 
 Heap& DllHeap()
@@ -216,9 +220,12 @@ constexpr size_t kAlignment = 16;
 
 size_t PageSize()
 {
-    SYSTEM_INFO system{};
-    GetSystemInfo(&system);
-    return system.dwPageSize;
+    static const size_t page = [] {
+        SYSTEM_INFO system{};
+        GetSystemInfo(&system);
+        return static_cast<size_t>(system.dwPageSize);
+    }();
+    return page;
 }
 
 size_t RoundUp(size_t size, size_t unit)
@@ -226,16 +233,29 @@ size_t RoundUp(size_t size, size_t unit)
     return (size + unit - 1) / unit * unit;
 }
 
-// The guard bytes after a block: a fenced one's up to the fence, any other's kGuardBytes.
+// How many guard bytes follow a block: a fenced one's up to its fence, any other's kGuardBytes.
 size_t GuardOf(const Heap& heap, void* block, size_t size)
 {
-    return heap.fenced.contains(block) ? RoundUp(size, kAlignment) - size : kGuardBytes;
+    const auto found = heap.fenced.find(block);
+    return found != heap.fenced.end()
+               ? static_cast<size_t>(found->second.fence - static_cast<unsigned char*>(block)) - size
+               : kGuardBytes;
+}
+
+// Fills the guard bytes after a block and tracks it as the DLL's.
+void* Guarded(void* block, size_t size, size_t guard)
+{
+    if (block != nullptr) {
+        std::memset(static_cast<unsigned char*>(block) + size, kGuardByte, guard);
+    }
+    return Tracked(block, size);
 }
 
 void* FencedBlock(size_t size)
 {
     const size_t page = PageSize();
-    const size_t room = std::max(RoundUp(RoundUp(size, kAlignment), page), page);
+    const size_t rounded = RoundUp(size, kAlignment);
+    const size_t room = std::max(RoundUp(rounded, page), page);
     auto* const pages =
         static_cast<unsigned char*>(VirtualAlloc(nullptr, room + page, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
     if (pages == nullptr) {
@@ -243,24 +263,21 @@ void* FencedBlock(size_t size)
     }
     DWORD protection = 0;
     VirtualProtect(pages + room, page, PAGE_NOACCESS, &protection);
-    unsigned char* const block = pages + room - RoundUp(size, kAlignment);
-    Locked(DllHeap(), [block, pages](Heap& heap) { heap.fenced[block] = pages; });
-    return block;
+    unsigned char* const block = pages + room - rounded;
+    Locked(DllHeap(), [block, pages, room](Heap& heap) { heap.fenced[block] = {pages, pages + room}; });
+    return Guarded(block, size, rounded - size);
 }
 
-// A block of `size` bytes for the DLL, fenced or from the C heap, its bytes kNewByte and
-// followed by guard bytes.
-void* NewBlock(size_t size)
+// A block of `size` bytes for the DLL, fenced or from the C heap, its bytes `fill` and followed
+// by guard bytes.
+void* NewBlock(size_t size, unsigned char fill = kNewByte)
 {
     const bool fence = Locked(DllHeap(), [](const Heap& heap) { return heap.fence; });
-    void* const block = fence ? FencedBlock(size) : Original<Malloc>()(size + kGuardBytes);
-    if (block == nullptr) {
-        return nullptr;
+    void* const block = fence ? FencedBlock(size) : Guarded(Original<Malloc>()(size + kGuardBytes), size, kGuardBytes);
+    if (block != nullptr) {
+        std::memset(block, fill, size);
     }
-    std::memset(block, kNewByte, size);
-    const size_t guard = Locked(DllHeap(), [block, size](const Heap& heap) { return GuardOf(heap, block, size); });
-    std::memset(static_cast<unsigned char*>(block) + size, kGuardByte, guard);
-    return Tracked(block, size);
+    return block;
 }
 
 // Checks a block the DLL gives back and forgets it; its size, when the block is the DLL's.
@@ -293,7 +310,7 @@ void Release(void* block)
     Locked(DllHeap(), [block, &pages](Heap& heap) {
         const auto found = heap.fenced.find(block);
         if (found != heap.fenced.end()) {
-            pages = found->second;
+            pages = found->second.pages;
             heap.fenced.erase(found);
         }
     });
@@ -319,11 +336,7 @@ void* HookedCalloc(size_t count, size_t size)
         errno = ENOMEM;
         return nullptr;
     }
-    void* const block = NewBlock(count * size);
-    if (block != nullptr) {
-        std::memset(block, 0, count * size);
-    }
-    return block;
+    return NewBlock(count * size, 0);
 }
 
 // A failed realloc leaves the block where it was, with its owner. Otherwise the block moves,
@@ -344,11 +357,7 @@ void* HookedRealloc(void* block, size_t size)
         if (size == 0) {
             return Original<Realloc>()(block, 0);
         }
-        auto* const moved = static_cast<unsigned char*>(Original<Realloc>()(block, size + kGuardBytes));
-        if (moved != nullptr) {
-            std::memset(moved + size, kGuardByte, kGuardBytes);
-        }
-        return Tracked(moved, size);
+        return Guarded(Original<Realloc>()(block, size + kGuardBytes), size, kGuardBytes);
     }
     if (size == 0) {
         GivenBack(block);
@@ -902,15 +911,10 @@ std::optional<size_t> FencedBlockBefore(const void* address)
     const size_t page = PageSize();
     return Locked(DllHeap(), [address, page](const Heap& heap) {
         const auto* const at = static_cast<const unsigned char*>(address);
-        for (const auto& [block, pages] : heap.fenced) {
-            const auto found = heap.live.find(block);
-            if (found == heap.live.end()) {
-                continue;
-            }
-            const size_t size = found->second.second;
-            const auto* const fence = static_cast<const unsigned char*>(block) + RoundUp(size, kAlignment);
-            if (at >= fence && at < fence + page) {
-                return std::optional<size_t>(size);
+        for (const auto& [block, fenced] : heap.fenced) {
+            const auto live = heap.live.find(block);
+            if (at >= fenced.fence && at < fenced.fence + page && live != heap.live.end()) {
+                return std::optional<size_t>(live->second.second);
             }
         }
         return std::optional<size_t>();

@@ -12,7 +12,10 @@
 #   - it counts exactly the tests that --gtest_list_tests names for the same arguments,
 #   - it counts no failures and no errors,
 #   - and the process exit code is 0 (a crash at exit, after the report, still fails).
-# A hang is bounded by the caller (CTest's TIMEOUT).
+# A run still going after LUMAVEN_SUITE_LIMIT seconds (default 840, under CTest's TIMEOUT of
+# 900) has hung: the stack of every thread of every process in the prefix is printed, the
+# suite's and those of any program a test started, the prefix's processes are stopped and the
+# run fails. CTest's own timeout would kill it without a word about where it stood.
 set -u
 if [ $# -lt 1 ]; then
   echo "usage: $0 PROGRAM.exe [GoogleTest arguments...]" >&2
@@ -23,6 +26,7 @@ shift
 here=$(cd "$(dirname "$0")" && pwd)
 wine_run="$here/wine-run.sh"
 name=$(basename "$program" .exe)
+limit=${LUMAVEN_SUITE_LIMIT:-840}
 
 fail() {
   echo "gtest-run: $name: FAILED: $*" >&2
@@ -44,7 +48,22 @@ expected=$(grep -c '^  [^ ]' "$listing")
 # A filter that matches nothing would pass every check below with nothing run.
 [ "$expected" -gt 0 ] || fail "no test matches the arguments: $*"
 
-"$wine_run" "$program" "--gtest_output=xml:$report" "$@"
+"$wine_run" "$program" "--gtest_output=xml:$report" "$@" &
+suite=$!
+# Each sleep's wait also reaps the suite once it has ended, so kill -0 then fails.
+ticks=0
+while kill -0 "$suite" 2>/dev/null; do
+  if [ "$ticks" -ge $((limit * 5)) ]; then
+    echo "gtest-run: $name: still running after $limit s; the stacks of the prefix's processes:" >&2
+    timeout -k 5 120 "$wine_run" winedbg --command "bt all" >&2
+    wineserver -k 2>/dev/null
+    wait "$suite"
+    fail "hung: still running after $limit s (the stacks are above)"
+  fi
+  sleep 0.2
+  ticks=$((ticks + 1))
+done
+wait "$suite"
 code=$?
 
 [ -f "$report" ] || fail "no GoogleTest report: the process ended before GoogleTest finished (exit code $code)"

@@ -471,7 +471,9 @@ ctl_result_t Act(Tag<Fn::ctlGetPowerOptimizationCaps>, Call& call, Document& sta
 // unsupported.
 ctl_result_t CheckSettings(Call& call, const rapidjson::Value& output, const Driver::PowerSettings& settings)
 {
-    call.Unsigned("feature", settings.PowerOptimizationFeature).Unsigned("powerSource", settings.PowerSource);
+    call.Unsigned("plan", settings.PowerOptimizationPlan)
+        .Unsigned("feature", settings.PowerOptimizationFeature)
+        .Unsigned("powerSource", settings.PowerSource);
     if (settings.PowerOptimizationPlan > Driver::kPlanPowerSaver) {
         return call.Refuse(Driver::kInvalidArgument,
                            "PowerOptimizationPlan " + std::to_string(settings.PowerOptimizationPlan) + " is unknown");

@@ -352,6 +352,13 @@ TEST_F(IntelFeature, EnableAndDisableOpstSwitchThePanelAndRecordIt)
     for (const auto& set : sets) {
         EXPECT_EQ(set["powerSource"].GetUint(), 1u);
     }
+    // Every read asks for the balanced plan (CTL_POWER_OPTIMIZATION_PLAN_BALANCED, 0): the
+    // probes before each switch and the read-backs after it.
+    const auto gets = Calls("ctlGetPowerOptimizationSetting");
+    ASSERT_EQ(gets.size(), 4u);
+    for (const auto& get : gets) {
+        EXPECT_EQ(get["plan"].GetUint(), 0u);
+    }
 }
 
 TEST_F(IntelFeature, EnableOpstWithoutSupportAnswersFalseAndLeavesTheSetting)

@@ -51,7 +51,8 @@ expected=$(grep -c '^  [^ ]' "$listing")
 "$wine_run" "$program" "--gtest_output=xml:$report" "$@" &
 suite=$!
 # A background job ignores the terminal's Ctrl-C: pass an interruption of the runner on.
-trap 'kill "$suite" 2>/dev/null; exit 130' INT TERM
+trap 'kill "$suite" 2>/dev/null; exit 130' INT
+trap 'kill "$suite" 2>/dev/null; exit 143' TERM
 # Each sleep's wait also reaps the suite once it has ended, so kill -0 then fails.
 ticks=0
 while kill -0 "$suite" 2>/dev/null; do

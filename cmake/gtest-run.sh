@@ -59,7 +59,7 @@ while kill -0 "$suite" 2>/dev/null; do
   if [ "$ticks" -ge $((limit * 5)) ]; then
     echo "gtest-run: $name: still running after $limit s; the stacks of the prefix's processes:" >&2
     timeout -k 5 120 "$wine_run" winedbg --command "bt all" >&2
-    wineserver -k 2>/dev/null
+    "$wine_run" --server -k 2>/dev/null
     wait "$suite"
     fail "hung: still running after $limit s (the stacks are above)"
   fi

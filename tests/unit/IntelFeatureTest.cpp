@@ -346,11 +346,13 @@ TEST_F(IntelFeature, EnableAndDisableOpstSwitchThePanelAndRecordIt)
     EXPECT_EQ(Run(3).response, L"{\"result\":true}");
     EXPECT_FALSE(Intel::OpstEnabled(0, 0));
     EXPECT_EQ(LumavenTest::OledDword(), 0u);
-    // Both switches are set for the battery (CTL_POWER_SOURCE_DC, 1).
+    // Both switches are set for the battery (CTL_POWER_SOURCE_DC, 1), their requests left at
+    // the balanced plan (0).
     const auto sets = Calls("ctlSetPowerOptimizationSetting");
     ASSERT_EQ(sets.size(), 2u);
     for (const auto& set : sets) {
         EXPECT_EQ(set["powerSource"].GetUint(), 1u);
+        EXPECT_EQ(set["plan"].GetUint(), 0u);
     }
     // Every read asks for the balanced plan (CTL_POWER_OPTIMIZATION_PLAN_BALANCED, 0): the
     // probes before each switch and the read-backs after it.
